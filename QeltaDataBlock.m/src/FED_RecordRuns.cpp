@@ -1,0 +1,4 @@
+#include "FED_RecordRuns.h"
+
+// Out of line, so that there is one type information for all libraries that cast to it.
+FED_RecordRuns::~FED_RecordRuns() = default;

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "Suite.h"
+
+namespace qelta::bench {
+
+void AddLookup(Suite& suite);
+void AddPattern(Suite& suite);
+void AddRecords(Suite& suite);
+void AddFieldData(Suite& suite);
+void AddFrd(Suite& suite);
+
+}  // namespace qelta::bench

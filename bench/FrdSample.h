@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+
+namespace qelta::bench {
+
+/// A large text result file in the folder for temporary files: one mesh and many frames, each with
+/// displacements and stresses at every node. Removed when the program ends.
+class FrdSample {
+ public:
+  /// Written when it is asked for first.
+  static const FrdSample& Instance();
+
+  FrdSample(const FrdSample&) = delete;
+  FrdSample& operator=(const FrdSample&) = delete;
+
+  const std::filesystem::path& GetPath() const { return m_Path; }
+  std::size_t GetBytes() const { return m_Bytes; }
+
+ private:
+  FrdSample();
+  ~FrdSample();
+
+  std::filesystem::path m_Folder;
+  std::filesystem::path m_Path;
+  std::size_t m_Bytes = 0;
+};
+
+}  // namespace qelta::bench

@@ -1,0 +1,41 @@
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "Families.h"
+#include "RatioReporter.h"
+
+namespace {
+
+// A bare word selects cases; what the caller says comes last and wins over our defaults.
+std::vector<std::string> MakeArguments(int argc, char** argv) {
+  std::vector<std::string> arguments = {argv[0], "--benchmark_repetitions=7",
+                                        "--benchmark_min_time=0.08",
+                                        "--benchmark_enable_random_interleaving=true"};
+  for (int i = 1; i < argc; ++i) {
+    const std::string argument = argv[i];
+    arguments.push_back(argument[0] == '-' ? argument : "--benchmark_filter=" + argument);
+  }
+  return arguments;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::vector<std::string> arguments = MakeArguments(argc, argv);
+  std::vector<char*> pointers(arguments.size());
+  std::transform(arguments.begin(), arguments.end(), pointers.begin(),
+                 [](std::string& argument) { return argument.data(); });
+  int count = static_cast<int>(pointers.size());
+  benchmark::Initialize(&count, pointers.data());
+  if (benchmark::ReportUnrecognizedArguments(count, pointers.data())) return 2;
+
+  qelta::bench::Suite suite;
+  qelta::bench::AddLookup(suite);
+  qelta::bench::AddPattern(suite);
+  qelta::bench::AddRecords(suite);
+  qelta::bench::AddFieldData(suite);
+  qelta::bench::AddFrd(suite);
+  qelta::bench::RatioReporter reporter(suite);
+  return benchmark::RunSpecifiedBenchmarks(&reporter) > 0 ? 0 : 1;
+}

@@ -1,0 +1,25 @@
+include(CMakePackageConfigHelpers)
+set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/QeltaDbConnector)
+
+get_property(targets GLOBAL PROPERTY QELTA_INSTALL_TARGETS)
+install(TARGETS ${targets} EXPORT QeltaDbConnectorTargets)
+install(EXPORT QeltaDbConnectorTargets NAMESPACE Qelta:: DESTINATION ${package_folder})
+
+get_property(headers GLOBAL PROPERTY QELTA_PUBLIC_HEADERS)
+install(FILES ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/QeltaDbConnector)
+
+configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/QeltaDbConnectorConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/QeltaDbConnectorConfig.cmake INSTALL_DESTINATION ${package_folder})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/QeltaDbConnectorConfigVersion.cmake
+  COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/QeltaDbConnectorConfig.cmake
+              ${PROJECT_BINARY_DIR}/QeltaDbConnectorConfigVersion.cmake
+        DESTINATION ${package_folder})
+
+if(QELTA_BUILD_FORTRAN)
+  set(QELTA_FMODDIR "fmoddir=\${pcfiledir}/../${QELTA_FORTRAN_MODULES}")
+endif()
+configure_file(${CMAKE_CURRENT_LIST_DIR}/qelta-db-connector.pc.in
+  ${PROJECT_BINARY_DIR}/qelta-db-connector.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/qelta-db-connector.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,100 @@
+# qelta_add_layer(NAME SOURCES ... HEADERS ... USES ...)
+# A layer of the core: an object library that sees only the layers it uses. HEADERS are public,
+# they are installed.
+function(qelta_add_layer name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;HEADERS;USES" ${ARGN})
+  add_library(${name} OBJECT ${ARG_SOURCES})
+  target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+  target_link_libraries(${name} PUBLIC ${ARG_USES} PRIVATE qelta_build_flags)
+  target_compile_definitions(${name} PRIVATE QELTA_BUILDING)
+  if(NOT QELTA_SHARED)
+    target_compile_definitions(${name} PUBLIC QELTA_STATIC)
+  endif()
+  set_property(GLOBAL APPEND PROPERTY QELTA_LAYERS ${name})
+  set_property(GLOBAL APPEND PROPERTY QELTA_LAYER_FOLDERS ${CMAKE_CURRENT_SOURCE_DIR})
+  qelta_public_headers(${ARG_HEADERS})
+endfunction()
+
+function(qelta_public_headers)
+  list(TRANSFORM ARGN PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+  set_property(GLOBAL APPEND PROPERTY QELTA_PUBLIC_HEADERS ${ARGN})
+endfunction()
+
+# Shows what the map lists, nothing else.
+function(qelta_limit_exports name map)
+  if(NOT QELTA_SHARED OR WIN32)
+    return()
+  endif()
+  set(map ${PROJECT_SOURCE_DIR}/cmake/${map})
+  target_link_options(${name} PRIVATE -Wl,--version-script=${map})
+  if(NOT QELTA_SANITIZE)
+    # The sanitizers' run time is in the program, not in the library.
+    target_link_options(${name} PRIVATE -Wl,--no-undefined)
+  endif()
+  set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS ${map})
+endfunction()
+
+# The one library that holds the core, Qelta::DbConnector, and the interface targets that name its
+# platform modules.
+function(qelta_add_core_library)
+  get_property(layers GLOBAL PROPERTY QELTA_LAYERS)
+  get_property(folders GLOBAL PROPERTY QELTA_LAYER_FOLDERS)
+  add_library(QeltaDbConnector ${QELTA_LIBRARY_TYPE})
+  foreach(layer IN LISTS layers)
+    target_sources(QeltaDbConnector PRIVATE $<TARGET_OBJECTS:${layer}>)
+  endforeach()
+  set_target_properties(QeltaDbConnector PROPERTIES
+    LINKER_LANGUAGE CXX EXPORT_NAME DbConnector
+    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+  target_compile_features(QeltaDbConnector PUBLIC cxx_std_17)
+  target_link_libraries(QeltaDbConnector PRIVATE $<BUILD_INTERFACE:qelta_build_flags>)
+  target_include_directories(QeltaDbConnector INTERFACE
+    "$<BUILD_INTERFACE:${folders}>"
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/QeltaDbConnector>)
+  if(NOT QELTA_SHARED)
+    target_compile_definitions(QeltaDbConnector INTERFACE QELTA_STATIC)
+  endif()
+  qelta_limit_exports(QeltaDbConnector QeltaDbConnector.map)
+  add_library(Qelta::DbConnector ALIAS QeltaDbConnector)
+  foreach(module Utilities OnfSpecification IdMaps)
+    add_library(Qelta${module} INTERFACE)
+    target_link_libraries(Qelta${module} INTERFACE QeltaDbConnector)
+    set_target_properties(Qelta${module} PROPERTIES EXPORT_NAME ${module})
+    add_library(Qelta::${module} ALIAS Qelta${module})
+  endforeach()
+  set_property(GLOBAL APPEND PROPERTY QELTA_INSTALL_TARGETS
+    QeltaDbConnector QeltaUtilities QeltaOnfSpecification QeltaIdMaps)
+endfunction()
+
+# qelta_add_module(NAME EXPORT_NAME ... BUILDING macro SOURCES ... PARTS ... HEADERS ... USES ...)
+# A library of its own above the core, Qelta::<EXPORT_NAME>. PARTS are object libraries that go into
+# it; BUILDING is the macro that tells its headers that it is being built.
+function(qelta_add_module name)
+  cmake_parse_arguments(ARG "" "EXPORT_NAME;BUILDING" "SOURCES;PARTS;HEADERS;USES" ${ARGN})
+  add_library(${name} ${QELTA_LIBRARY_TYPE} ${ARG_SOURCES})
+  set_target_properties(${name} PROPERTIES EXPORT_NAME ${ARG_EXPORT_NAME}
+    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+  target_include_directories(${name}
+    PUBLIC $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}>
+           $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/QeltaDbConnector>)
+  target_link_libraries(${name} PUBLIC ${ARG_USES} PRIVATE $<BUILD_INTERFACE:qelta_build_flags>)
+  target_compile_definitions(${name} PRIVATE ${ARG_BUILDING})
+  foreach(part IN LISTS ARG_PARTS)
+    target_sources(${name} PRIVATE $<TARGET_OBJECTS:${part}>)
+    target_include_directories(${name} PRIVATE $<TARGET_PROPERTY:${part},INTERFACE_INCLUDE_DIRECTORIES>)
+  endforeach()
+  qelta_limit_exports(${name} QeltaModule.map)
+  add_library(Qelta::${ARG_EXPORT_NAME} ALIAS ${name})
+  set_property(GLOBAL APPEND PROPERTY QELTA_INSTALL_TARGETS ${name})
+  qelta_public_headers(${ARG_HEADERS})
+endfunction()
+
+# qelta_add_test(NAME SOURCES ... LIBS ... ENVIRONMENT ...)
+function(qelta_add_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;ENVIRONMENT" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE
+    ${ARG_LIBS} Qelta::DbConnector qelta_test_kit GTest::gmock GTest::gtest_main qelta_build_flags)
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES ENVIRONMENT "${ARG_ENVIRONMENT}" TIMEOUT 300)
+endfunction()

@@ -1,0 +1,258 @@
+!> Databases: where blocks live.
+module qelta_databases
+  use, intrinsic :: iso_c_binding, only: c_f_pointer, c_null_ptr, c_ptr
+  use, intrinsic :: iso_fortran_env, only: int32, int64
+  use qelta_bindings
+  use qelta_blocks, only: make_block, qelta_block
+  use qelta_failures, only: conclude, fail, for_c
+  use qelta_handles
+  use qelta_keys, only: qelta_descriptor, qelta_pattern
+  use qelta_kinds
+  implicit none
+  private
+  public :: qelta_database
+
+  !> A database. Variables that were assigned from one another share it; it is closed when the last
+  !> one goes or by `close` of any. Closing does not save, and releases the records of its blocks.
+  !> Variables of a main program never go by themselves: close what they hold.
+  type :: qelta_database
+    private
+    type(ticket) :: held
+  contains
+    procedure :: open => database_open
+    procedure :: close => database_close
+    procedure :: is_open => database_is_open
+    !> Makes everything durable where the storage is.
+    procedure :: save => database_save
+    procedure :: fetch_block => database_fetch_block
+    procedure :: has_block => database_has_block
+    procedure :: find_blocks => database_find_blocks
+    !> Deletes a block, if it is there, or those that a pattern selects.
+    procedure :: delete_block => database_delete_block
+    procedure :: delete_blocks => database_delete_blocks
+    procedure :: create_alias => database_create_alias
+    generic :: assignment(=) => assign_database
+    procedure, private :: assign_database
+    final :: finalise_database
+  end type
+
+contains
+
+  !> Opens a database of a kind of storage ('memory') in place of what the variable held. `mode` is
+  !> qelta_read_only, qelta_read_write (the default) or qelta_create; `cache_size` is in bytes.
+  subroutine database_open(self, kind, name, mode, cache_size, status, message)
+    class(qelta_database), intent(inout) :: self
+    character(*), intent(in) :: kind, name
+    integer(int32), intent(in), optional :: mode
+    integer(int64), intent(in), optional :: cache_size
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    integer(int32) :: access, code
+    integer(int64) :: bytes
+    type(c_ptr) :: database
+    access = qelta_read_write
+    if (present(mode)) access = mode
+    bytes = 0
+    if (present(cache_size)) bytes = cache_size
+    call drop(self%held)
+    database = c_null_ptr
+    call Database_Open_F(for_c(trim(kind)), for_c(trim(name)), access, bytes, database, code)
+    if (code == qelta_ok) self%held = register_database(database)
+    call conclude(code, status, message)
+  end subroutine
+
+  !> Does nothing when it is closed.
+  subroutine database_close(self, status, message)
+    class(qelta_database), intent(inout) :: self
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    integer(int32) :: code
+    call release(self%held, code)
+    call conclude(code, status, message)
+  end subroutine
+
+  pure logical function database_is_open(self)
+    class(qelta_database), intent(in) :: self
+    database_is_open = is_open(self%held)
+  end function
+
+  ! The database's address, when it is open.
+  logical function resolve(self, database, status, message)
+    class(qelta_database), intent(in) :: self
+    type(c_ptr), intent(out) :: database
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    database = c_null_ptr
+    resolve = is_open(self%held)
+    if (resolve) then
+      database = object_of(self%held)
+    else
+      call fail('The database is not open.', status, message)
+    end if
+  end function
+
+  subroutine database_save(self, status, message)
+    class(qelta_database), intent(in) :: self
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    type(c_ptr) :: database
+    integer(int32) :: code
+    if (.not. resolve(self, database, status, message)) return
+    call Database_Save_F(database, code)
+    call conclude(code, status, message)
+  end subroutine
+
+  !> The block of a key, made when it is not there: of the kind that the key's `qelta_onf` numbers,
+  !> or custom, with a record format such as 'I|dd', for a key without it.
+  subroutine database_fetch_block(self, key, block, format, status, message)
+    class(qelta_database), intent(in) :: self
+    type(qelta_descriptor), intent(in) :: key
+    type(qelta_block), intent(inout) :: block
+    character(*), intent(in), optional :: format
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    type(c_ptr) :: database, address
+    integer(int32) :: code
+    if (.not. resolve(self, database, status, message)) return
+    address = c_null_ptr
+    if (present(format)) then
+      call Database_FetchBlock_Custom_F(database, key%layout, for_c(trim(format)), address, code)
+    else
+      call Database_FetchBlock_F(database, key%layout, address, code)
+    end if
+    if (code == qelta_ok) block = make_block(self%held, address, key)
+    call conclude(code, status, message)
+  end subroutine
+
+  logical function database_has_block(self, key, status, message) result(has_block)
+    class(qelta_database), intent(in) :: self
+    type(qelta_descriptor), intent(in) :: key
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    type(c_ptr) :: database
+    integer(int32) :: has, code
+    has_block = .false.
+    if (.not. resolve(self, database, status, message)) return
+    has = 0
+    call Database_HasBlock_F(database, key%layout, has, code)
+    has_block = has == 1
+    call conclude(code, status, message)
+  end function
+
+  !> The keys that the pattern selects, in the order of the database.
+  subroutine database_find_blocks(self, pattern, keys, status, message)
+    class(qelta_database), intent(in) :: self
+    type(qelta_pattern), intent(in) :: pattern
+    type(qelta_descriptor), allocatable, intent(inout) :: keys(:)
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    type(qelta_descriptor_list_layout) :: list
+    type(c_ptr) :: database
+    integer(int32) :: code
+    if (.not. resolve(self, database, status, message)) return
+    call Database_FindBlocks_F(database, pattern%layout, list, code)
+    if (code == qelta_ok) call copy_list(list, keys)
+    call DataDescriptorList_Deallocate_F(list)
+    call conclude(code, status, message)
+  end subroutine
+
+  subroutine copy_list(list, keys)
+    type(qelta_descriptor_list_layout), intent(in) :: list
+    type(qelta_descriptor), allocatable, intent(inout) :: keys(:)
+    type(qelta_descriptor_layout), pointer :: found(:)
+    integer :: i
+    if (allocated(keys)) deallocate (keys)
+    allocate (keys(list%count))
+    if (list%count == 0) return
+    call c_f_pointer(list%data, found, [list%count])
+    do i = 1, size(keys)
+      keys(i)%layout = found(i)
+    end do
+  end subroutine
+
+  subroutine database_delete_block(self, key, status, message)
+    class(qelta_database), intent(in) :: self
+    type(qelta_descriptor), intent(in) :: key
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    type(c_ptr) :: database
+    integer(int32) :: code
+    if (.not. resolve(self, database, status, message)) return
+    if (has_records(self%held)) call release_records_of(self%held, database, key)
+    call count_deletion(self%held)
+    call Database_DeleteBlock_F(database, key%layout, code)
+    call conclude(code, status, message)
+  end subroutine
+
+  subroutine database_delete_blocks(self, pattern, status, message)
+    class(qelta_database), intent(in) :: self
+    type(qelta_pattern), intent(in) :: pattern
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    type(qelta_descriptor), allocatable :: keys(:)
+    type(c_ptr) :: database
+    integer(int32) :: code
+    integer :: i
+    if (.not. resolve(self, database, status, message)) return
+    if (has_records(self%held)) then
+      call self%find_blocks(pattern, keys)
+      do i = 1, size(keys)
+        call release_records_of(self%held, database, keys(i))
+      end do
+    end if
+    call count_deletion(self%held)
+    call Database_DeleteBlocks_F(database, pattern%layout, code)
+    call conclude(code, status, message)
+  end subroutine
+
+  ! Records go before the block that made them.
+  subroutine release_records_of(held, database, key)
+    type(ticket), intent(in) :: held
+    type(c_ptr), intent(in) :: database
+    type(qelta_descriptor), intent(in) :: key
+    type(c_ptr) :: block
+    integer(int32) :: has, code
+    has = 0
+    call Database_HasBlock_F(database, key%layout, has, code)
+    if (has /= 1) return
+    block = c_null_ptr
+    call Database_FetchBlock_F(database, key%layout, block, code)
+    if (code == qelta_ok) call release_records_of_block(held, block)
+  end subroutine
+
+  !> Makes `alias` a further key of the block of `existing`. When `existing` has no block, `alias`
+  !> has one, they are equal or either is empty, `created` is false, and without it that fails.
+  subroutine database_create_alias(self, existing, alias, created, status, message)
+    class(qelta_database), intent(in) :: self
+    type(qelta_descriptor), intent(in) :: existing, alias
+    logical, intent(inout), optional :: created
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    type(c_ptr) :: database
+    integer(int32) :: made, code
+    if (.not. resolve(self, database, status, message)) return
+    made = 0
+    call Database_CreateAlias_F(database, existing%layout, alias%layout, made, code)
+    if (present(created)) created = made == 1
+    if (code == qelta_ok .and. made == 0 .and. .not. present(created)) then
+      call fail(alias%text()//' cannot be an alias of '//existing%text()//'.', status, message)
+    else
+      call conclude(code, status, message)
+    end if
+  end subroutine
+
+  impure elemental subroutine assign_database(self, other)
+    class(qelta_database), intent(inout) :: self
+    type(qelta_database), intent(in) :: other
+    type(ticket) :: held
+    held = other%held
+    call share(held)
+    call drop(self%held)
+    self%held = held
+  end subroutine
+
+  impure elemental subroutine finalise_database(self)
+    type(qelta_database), intent(inout) :: self
+    call drop(self%held)
+  end subroutine
+end module

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <FED_DataBlock.h>
+#include <FED_Database.h>
+#include <FED_RecordRuns.h>
+
+#include <vector>
+
+#include "QeltaBlockSink.h"
+
+namespace qelta {
+
+/// Writes into a database. A block that stands there under the same key is replaced; ids and names
+/// are looked up in the database's id maps and registered there.
+class QeltaDatabaseSink : public QeltaBlockSink {
+ public:
+  /// The database must be initialised and outlive this object.
+  explicit QeltaDatabaseSink(FED_Database& database) : m_Database(database) {}
+
+  std::size_t OpenBlock(const FED_DataDescriptor& key, const std::string& format,
+                        std::int64_t recordCount) override;
+  void WriteRecords(std::size_t block, std::size_t count, const std::int32_t* indices,
+                    const void* records) override;
+  std::int32_t StoreIntList(std::size_t block, const std::int32_t* values,
+                            std::size_t count) override;
+  std::int32_t StoreText(std::size_t block, const std::string& text) override;
+  void CloseBlock(std::size_t block) override;
+  void DropBlock(std::size_t block) override;
+  std::int32_t IndexOfId(FED_IdType type, std::int32_t id) override;
+  std::int32_t IndexOfName(FED_IdType type, const std::string& name) override;
+
+ private:
+  struct OpenBlockState {
+    FED_DataBlock* block;  // null: the place is free
+    FED_RecordRuns* runs;  // null: the block takes single records only
+  };
+
+  void WriteSingly(FED_DataBlock& block, std::size_t count, const std::int32_t* indices,
+                   const unsigned char* records);
+
+  FED_Database& m_Database;
+  std::vector<OpenBlockState> m_Open;
+};
+
+}  // namespace qelta

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace qelta {
+
+/// Equal but for upper and lower case of the letters A to Z.
+bool IsSameName(const std::string& a, const std::string& b);
+
+/// " Did you mean X?" with the name that is most like the given one; when none is like it, a list
+/// of all of them if it is short, else nothing.
+std::string Suggest(const std::string& name, const std::vector<std::string>& known);
+
+}  // namespace qelta

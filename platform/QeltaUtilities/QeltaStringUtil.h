@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "FedStatusCode.h"
+#include "QeltaExport.h"
+
+/// Small work on texts that does not depend on the locale. A blank is the space and the characters
+/// 9 to 13, nothing else.
+class QELTA_EXPORT QeltaStringUtil {
+ public:
+  /// Fills a Fortran character variable: the first characters of `text` and blanks behind them up
+  /// to `bufferLength`, without a terminating zero. True when nothing was cut. A buffer length that
+  /// is not positive, like a null buffer, writes nothing.
+  static bool copy_to_fstr_trunc(const char* text, std::size_t length, char* buffer,
+                                 std::int64_t bufferLength);
+
+  /// The decimal number in `text`, with an optional sign and blanks around it. STATUS_NO_NUMBER
+  /// where the text holds anything else or nothing, STATUS_OUT_OF_RANGE where an int is too small
+  /// for it; `number` is then untouched.
+  static FedStatusCode ToInt(const std::string& text, int& number);
+
+  /// `text` without the blanks at both ends.
+  static std::string Trim(const std::string& text);
+};

@@ -1,0 +1,265 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <limits>
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "FED_Failure.h"
+#include "FED_MemoryIdMap.h"
+#include "FailingAllocation.h"
+
+namespace {
+
+constexpr std::int32_t kLeastId = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kGreatestId = std::numeric_limits<std::int32_t>::max();
+constexpr std::int64_t kGreatestIndex = std::numeric_limits<std::int64_t>::max();
+
+std::string MessageOf(const std::function<void()>& action) {
+  try {
+    action();
+  } catch (const FED_Failure& failure) {
+    EXPECT_EQ(failure.GetLocation(), "|%P|QeltaIdMaps|FED_MemoryIdMap");
+    EXPECT_EQ(failure.GetMessageId().size(), 12u);
+    return failure.GetMessageText();
+  }
+  return "no failure";
+}
+
+std::string NameAt(const FED_IdMap& map, std::int64_t index) {
+  std::string name;
+  map.NameOfIndex(index, name);
+  return name;
+}
+
+// The plainest map there is: a list of entities, searched from end to end.
+class NaiveMap {
+ public:
+  struct Entity {
+    std::int64_t index;
+    std::int32_t id;
+    std::string name;
+  };
+
+  template <class Test>
+  const Entity* Find(Test test) const {
+    for (const Entity& entity : entities) {
+      if (test(entity)) return &entity;
+    }
+    return nullptr;
+  }
+  const Entity* ByIndex(std::int64_t index) const {
+    return Find([=](const Entity& e) { return e.index == index; });
+  }
+  const Entity* ById(std::int32_t id) const {
+    return Find([=](const Entity& e) { return e.id == id; });
+  }
+  const Entity* ByName(const std::string& name) const {
+    return Find([&](const Entity& e) { return !name.empty() && e.name == name; });
+  }
+  std::int64_t MaxIndex() const {
+    std::int64_t greatest = -1;
+    for (const Entity& entity : entities) greatest = std::max(greatest, entity.index);
+    return greatest;
+  }
+
+  bool Add(std::int64_t index, std::int32_t id, const std::string& name) {
+    const Entity* const here = ByIndex(index);
+    if (index < 0 || here != ById(id)) return false;
+    const Entity* const named = ByName(name);
+    if (named != nullptr && named != here) return false;
+    if (here != nullptr && !here->name.empty() && !name.empty() && here->name != name) return false;
+    if (here == nullptr) entities.push_back({index, id, ""});
+    for (Entity& entity : entities) {
+      if (entity.index == index && !name.empty()) entity.name = name;
+    }
+    return true;
+  }
+
+  std::vector<Entity> entities;
+};
+
+void ExpectSame(const FED_MemoryIdMap& map, const NaiveMap& model) {
+  ASSERT_EQ(map.GetCount(), model.entities.size());
+  ASSERT_EQ(map.GetMaxIndex(), model.MaxIndex());
+  for (const NaiveMap::Entity& entity : model.entities) {
+    ASSERT_EQ(map.IdOfIndex(entity.index), entity.id);
+    ASSERT_EQ(map.IndexOfId(entity.id), entity.index);
+    ASSERT_EQ(map.HasNameAt(entity.index), !entity.name.empty());
+    if (entity.name.empty()) continue;
+    ASSERT_EQ(NameAt(map, entity.index), entity.name);
+    ASSERT_EQ(map.IndexOfName(entity.name), entity.index);
+  }
+  for (int i = -3; i < 45; ++i) {
+    ASSERT_EQ(map.ContainsIndex(i), model.ByIndex(i) != nullptr);
+    ASSERT_EQ(map.ContainsId(i), model.ById(i) != nullptr);
+    ASSERT_EQ(map.ContainsName(std::to_string(i)), model.ByName(std::to_string(i)) != nullptr);
+  }
+}
+
+TEST(MemoryIdMapTest, BehavesLikeAListOfEntities) {
+  std::mt19937 random(5);
+  const auto below = [&](int count) {
+    return static_cast<int>(random() % static_cast<unsigned>(count));
+  };
+  for (int round = 0; round < 60; ++round) {
+    FED_MemoryIdMap map(ID_TYPE_NODE);
+    NaiveMap model;
+    for (int step = 0; step < 60; ++step) {
+      const std::int64_t index = below(41) - 1;
+      const std::int32_t id = below(41) - 1;
+      const std::string name = below(3) == 0 ? "" : std::to_string(below(40));
+      const int action = below(8);
+      if (action == 0) {
+        const bool known = model.ById(id) != nullptr;
+        const std::int64_t expected = known ? model.ById(id)->index : model.MaxIndex() + 1;
+        ASSERT_EQ(map.IndexOfIdForWrite(id), expected);
+        if (!known) model.Add(expected, id, "");
+      } else if (action == 1 && !name.empty()) {
+        std::int32_t freeId = 1;
+        while (model.ById(freeId) != nullptr) ++freeId;
+        const bool known = model.ByName(name) != nullptr;
+        const std::int64_t expected = known ? model.ByName(name)->index : model.MaxIndex() + 1;
+        ASSERT_EQ(map.IndexOfNameForWrite(name), expected);
+        if (!known) model.Add(expected, freeId, name);
+      } else if (model.Add(index, id, name)) {
+        ASSERT_NO_THROW(map.Add(index, id, name));
+      } else {
+        ASSERT_THROW(map.Add(index, id, name), FED_Failure);
+      }
+      ExpectSame(map, model);
+    }
+  }
+}
+
+TEST(MemoryIdMapTest, TakesExtremes) {
+  FED_MemoryIdMap map(ID_TYPE_ELEMENT);
+  map.Add(0, kLeastId);
+  map.Add(1, kGreatestId);
+  map.Add(kGreatestIndex, 0, "far");
+  EXPECT_EQ(map.IndexOfId(kLeastId), 0);
+  EXPECT_EQ(map.IdOfIndex(1), kGreatestId);
+  EXPECT_EQ(map.IndexOfName("far"), kGreatestIndex);
+  EXPECT_EQ(map.GetMaxIndex(), kGreatestIndex);
+  EXPECT_NE(MessageOf([&] { map.IndexOfIdForWrite(5); }), "no failure");
+  EXPECT_NE(MessageOf([&] { map.IndexOfNameForWrite("x"); }), "no failure");
+  EXPECT_EQ(map.GetCount(), 3u);
+}
+
+TEST(MemoryIdMapTest, FailuresNameTypeValueAndWhatIsKnown) {
+  FED_MemoryIdMap map(ID_TYPE_ELEMENT_GROUP);
+  EXPECT_EQ(MessageOf([&] { map.IndexOfId(7); }),
+            "The id map 3 (element group) does not know the id 7; it knows no ids yet. Register "
+            "the id before it is used.");
+  map.Add(4, -20, "skin");
+  map.Add(9, 300);
+  struct Row {
+    std::function<void()> action;
+    std::vector<std::string> parts;
+  };
+  const Row rows[] = {
+      {[&] { map.IndexOfId(7); }, {"id 7", "2 ids from -20 to 300"}},
+      {[&] { map.IdOfIndex(5); }, {"index 5", "2 ids from -20 to 300", "up to 9"}},
+      {[&] { map.IdOfIndex(-1); }, {"index -1"}},
+      {[&] { map.IdOfIndex(std::int64_t{1} << 40); }, {"index 1099511627776"}},
+      {[&] { NameAt(map, 5); }, {"index 5"}},
+      {[&] { NameAt(map, 9); }, {"no name", "index 9", "id 300"}},
+      {[&] { map.IndexOfName("core %s"); }, {"'core %s'", "1 names"}},
+      {[&] { map.IndexOfName(""); }, {"''"}},
+      {[&] { map.IndexOfNameForWrite(""); }, {"empty name"}},
+      {[&] { map.Add(-1, 1); }, {"index -1", "id 1"}},
+      {[&] { map.Add(4, 21); }, {"id 21", "index 4", "id -20"}},
+      {[&] { map.Add(5, 300); }, {"id 300", "index 5", "index 9"}},
+      {[&] { map.Add(9, -20); }, {"id -20", "index 9", "id 300"}},
+      {[&] { map.Add(9, 300, "skin"); }, {"'skin'", "index 9", "index 4"}},
+      {[&] { map.Add(4, -20, "hull"); }, {"'hull'", "index 4", "'skin'"}},
+      {[&] { map.Add(11, 11, "skin"); }, {"'skin'", "index 11", "index 4"}},
+  };
+  for (const Row& row : rows) {
+    const std::string message = MessageOf(row.action);
+    EXPECT_NE(message.find("id map 3 (element group)"), std::string::npos) << message;
+    for (const std::string& part : row.parts) {
+      EXPECT_NE(message.find(part), std::string::npos) << message << "\nlacks " << part;
+    }
+    EXPECT_EQ(map.GetCount(), 2u) << message;
+    EXPECT_FALSE(map.ContainsId(11) || map.ContainsName("hull") || map.HasNameAt(9)) << message;
+  }
+}
+
+TEST(MemoryIdMapTest, BulkFormsCountUpFromTheFirstIndex) {
+  FED_MemoryIdMap map(ID_TYPE_NODE);
+  const std::int32_t ids[] = {10, 30, 20};
+  const std::string names[] = {"a", "", "c"};
+  map.Add(ids, 3);
+  EXPECT_EQ(map.IndexOfId(30), 1);
+  map.Add(ids, names, 3);
+  EXPECT_EQ(map.IndexOfName("c"), 2);
+  EXPECT_FALSE(map.HasNameAt(1));
+  const std::int32_t more[] = {-7, -8};
+  map.Add(more, 2, 1000);
+  EXPECT_EQ(map.IdOfIndex(1001), -8);
+  const std::size_t none = 0;
+  map.Add(nullptr, none, 5);
+  map.Add(more, none, -5);
+  EXPECT_EQ(map.GetCount(), 5u);
+}
+
+TEST(MemoryIdMapTest, BulkFormsRefuseWhatCannotBe) {
+  FED_MemoryIdMap map(ID_TYPE_NODE);
+  const std::int32_t ids[] = {1, 2, 1, 4};
+  EXPECT_NE(MessageOf([&] { map.Add(ids, 4); }), "no failure");
+  EXPECT_EQ(map.GetCount(), 2u) << "what precedes the contradiction stays";
+  EXPECT_NE(MessageOf([&] { map.Add(nullptr, 3); }), "no failure");
+  EXPECT_NE(MessageOf([&] { map.Add(ids, 3, kGreatestIndex - 1); }), "no failure");
+  EXPECT_NE(MessageOf([&] { map.Add(ids, 2, -1); }), "no failure");
+  EXPECT_NE(MessageOf([&] { map.Add(ids, ~std::size_t{0}); }), "no failure");
+  EXPECT_THROW(map.Add(ids, ~std::size_t{0} / 4), std::exception);
+  EXPECT_EQ(map.GetCount(), 2u);
+  const std::int32_t last[] = {8, 9};
+  map.Add(last, 2, kGreatestIndex - 1);
+  EXPECT_EQ(map.IdOfIndex(kGreatestIndex), 9);
+}
+
+TEST(MemoryIdMapTest, NewNamesGetTheSmallestFreeId) {
+  FED_MemoryIdMap map(ID_TYPE_MATERIAL);
+  map.Add(0, 1);
+  map.Add(5, 3);
+  map.Add(6, -4);
+  map.Add(7, kGreatestId);
+  EXPECT_EQ(map.IdOfIndex(map.IndexOfNameForWrite("steel")), 2);
+  EXPECT_EQ(map.IdOfIndex(map.IndexOfNameForWrite("rubber")), 4);
+  EXPECT_EQ(map.IndexOfNameForWrite("steel"), 8);
+  EXPECT_EQ(map.GetMaxIndex(), 9);
+}
+
+TEST(MemoryIdMapTest, NamesMayHoldAnyBytes) {
+  FED_MemoryIdMap map(ID_TYPE_PROPERTY);
+  const std::string withZero("a\0b", 3);
+  map.Add(0, 1, withZero);
+  map.Add(1, 2, "a");
+  map.Add(2, 3, std::string(5000, 'x'));
+  EXPECT_EQ(map.IndexOfName(withZero), 0);
+  EXPECT_EQ(NameAt(map, 0), withZero);
+  EXPECT_LE(MessageOf([&] { map.IndexOfName(std::string(5000, 'y')); }).size(), 1023u);
+}
+
+TEST(MemoryIdMapTest, FailingAllocationLeavesNoHalfEntity) {
+  FED_MemoryIdMap map(ID_TYPE_NODE);
+  std::size_t failures = 0;
+  for (std::int32_t id = 1; id <= 200; ++id) {
+    failures += qelta::test::ForEachFailingAllocation(
+        [&] { map.Add(id, id, "a name too long to be short " + std::to_string(id)); },
+        [&] {
+          ASSERT_EQ(map.ContainsId(id), map.ContainsIndex(id));
+          ASSERT_FALSE(map.HasNameAt(id));
+        });
+    ASSERT_TRUE(map.HasNameAt(id));
+  }
+  EXPECT_GT(failures, 200u);
+  EXPECT_EQ(map.GetCount(), 200u);
+  EXPECT_EQ(map.IndexOfIdForWrite(-1), 201);
+}
+
+}  // namespace

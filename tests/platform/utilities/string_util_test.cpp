@@ -1,0 +1,124 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <limits>
+#include <string>
+
+#include "QeltaStringUtil.h"
+#include "QeltaSysUtil.h"
+
+namespace {
+
+TEST(StringUtilTest, FillsFortranTexts) {
+  struct Row {
+    std::string text;
+    std::int64_t length;
+    const char* buffer;  // '#' marks what must stay untouched
+    bool whole;
+  };
+  const Row rows[] = {
+      {"abc", 5, "abc  ###", true},
+      {"abc", 3, "abc#####", true},
+      {"abc", 2, "ab######", false},
+      {"abc", 0, "########", false},
+      {"abc", -1, "########", false},
+      {"", 4, "    ####", true},
+      {"", 0, "########", true},
+      {"", -5, "########", true},
+      {"abc", std::numeric_limits<std::int64_t>::min(), "########", false},
+      {std::string("a\0b", 3), 4, nullptr, true},
+  };
+  for (const Row& row : rows) {
+    std::string buffer(8, '#');
+    const bool whole = QeltaStringUtil::copy_to_fstr_trunc(row.text.data(), row.text.size(),
+                                                           buffer.data(), row.length);
+    EXPECT_EQ(whole, row.whole) << row.text << " in " << row.length;
+    EXPECT_EQ(buffer, row.buffer != nullptr ? row.buffer : std::string("a\0b ####", 8));
+  }
+}
+
+TEST(StringUtilTest, MissingBuffersAndTextsAreHarmless) {
+  char buffer[] = "####";
+  EXPECT_TRUE(QeltaStringUtil::copy_to_fstr_trunc(nullptr, 0, buffer, 4));
+  EXPECT_STREQ(buffer, "    ");
+  EXPECT_FALSE(QeltaStringUtil::copy_to_fstr_trunc("abc", 3, nullptr, 4));
+}
+
+TEST(StringUtilTest, ReadsIntegers) {
+  const std::pair<const char*, int> good[] = {
+      {"0", 0},
+      {"42", 42},
+      {"-42", -42},
+      {"+42", 42},
+      {" 42 ", 42},
+      {"\t\n\v\f\r7\r", 7},
+      {"0007", 7},
+      {"-0", 0},
+      {"2147483647", std::numeric_limits<int>::max()},
+      {"-2147483648", std::numeric_limits<int>::min()},
+  };
+  for (const auto& [text, expected] : good) {
+    int number = 99;
+    EXPECT_EQ(QeltaStringUtil::ToInt(text, number), STATUS_OK) << text;
+    EXPECT_EQ(number, expected) << text;
+  }
+}
+
+TEST(StringUtilTest, RefusesEverythingElse) {
+  const std::pair<std::string, FedStatusCode> bad[] = {
+      {"", STATUS_NO_NUMBER},
+      {"  ", STATUS_NO_NUMBER},
+      {"+", STATUS_NO_NUMBER},
+      {"-", STATUS_NO_NUMBER},
+      {"+-5", STATUS_NO_NUMBER},
+      {"--5", STATUS_NO_NUMBER},
+      {"++5", STATUS_NO_NUMBER},
+      {"5x", STATUS_NO_NUMBER},
+      {"x5", STATUS_NO_NUMBER},
+      {"4 2", STATUS_NO_NUMBER},
+      {"- 5", STATUS_NO_NUMBER},
+      {"0x10", STATUS_NO_NUMBER},
+      {"1.0", STATUS_NO_NUMBER},
+      {"1e3", STATUS_NO_NUMBER},
+      {"1'000", STATUS_NO_NUMBER},
+      {"\xa0"
+       "5",
+       STATUS_NO_NUMBER},
+      {std::string("5\0", 2), STATUS_NO_NUMBER},
+      {"2147483648", STATUS_OUT_OF_RANGE},
+      {"-2147483649", STATUS_OUT_OF_RANGE},
+      {"99999999999999999999999", STATUS_OUT_OF_RANGE},
+      {"2147483648x", STATUS_NO_NUMBER},
+  };
+  for (const auto& [text, status] : bad) {
+    int number = 99;
+    EXPECT_EQ(QeltaStringUtil::ToInt(text, number), status) << text;
+    EXPECT_EQ(number, 99) << text;
+  }
+}
+
+TEST(StringUtilTest, TrimsBlanksOnly) {
+  EXPECT_EQ(QeltaStringUtil::Trim(" \t\n\v\f\r a b \r"), "a b");
+  EXPECT_EQ(QeltaStringUtil::Trim("\xa0x\x85"), "\xa0x\x85");
+  EXPECT_EQ(QeltaStringUtil::Trim(std::string(" \0 ", 3)), std::string("\0", 1));
+  EXPECT_EQ(QeltaStringUtil::Trim(" \n"), "");
+}
+
+void SetVariable(const char* name, const char* value) {
+#if defined(_WIN32)
+  _putenv_s(name, value);
+#else
+  setenv(name, value, 1);
+#endif
+}
+
+TEST(SysUtilTest, ReadsTheEnvironment) {
+  SetVariable("qelta_test_variable", "  64 MB\t");
+  EXPECT_EQ(QeltaSysUtil::get_env_var("qelta_test_variable", "d", true), "64 MB");
+  EXPECT_EQ(QeltaSysUtil::get_env_var("qelta_test_variable", "d", false), "  64 MB\t");
+  SetVariable("qelta_test_variable", "   ");
+  EXPECT_EQ(QeltaSysUtil::get_env_var("qelta_test_variable", "d", true), "");
+  EXPECT_EQ(QeltaSysUtil::get_env_var("qelta_variable_nobody_sets", " d ", true), " d ");
+}
+
+}  // namespace

@@ -1,0 +1,89 @@
+#!/bin/sh
+# The tool as its user meets it: exit codes, what goes to which stream, 80 columns.
+# Arguments: the tool, a result file in text form, the same results in binary form.
+set -u
+qelta=$1
+text=$2
+binary=$3
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+out=$folder/out
+err=$folder/err
+status=0
+
+fail() {
+  echo "FAILED: $1"
+  sed 's/^/  out: /' "$out"
+  sed 's/^/  err: /' "$err"
+  status=1
+}
+
+# expect CODE ARGUMENT...: runs the tool; what it prints stays in $out and $err.
+expect() {
+  code=$1
+  shift
+  "$qelta" "$@" >"$out" 2>"$err"
+  got=$?
+  [ $got -eq "$code" ] || fail "qelta $* gave $got, not $code"
+  # A failure is one line on standard error and nothing on standard output.
+  if [ "$code" -ge 2 ]; then
+    [ ! -s "$out" ] || fail "qelta $* printed results before it failed"
+    { [ "$(wc -l <"$err")" -eq 1 ] && grep -q '^qelta: ' "$err"; } || fail "qelta $*: no one-line error"
+  else
+    [ ! -s "$err" ] || fail "qelta $* complained"
+  fi
+}
+prints() { grep -qF -- "$1" "$out" || fail "'$1' was not printed"; }
+complains() { grep -qF -- "$1" "$err" || fail "no complaint about '$1'"; }
+counts() { [ "$(wc -l <"$out")" -eq "$1" ] || fail "not $1 lines"; }
+
+expect 0 info "$text"
+prints "54 nodes, 16 elements (16 hex8)"
+prints "1  static    1..4    1..4"
+awk 'NR > 1 && length > 80 { exit 1 }' "$out" || fail "lines of more than 80 columns"
+cp "$out" "$folder/info"
+expect 0 info "$binary"
+sed 1,4d "$folder/info" >"$folder/blocks"
+sed 1,4d "$out" | diff - "$folder/blocks" >/dev/null || fail "binary info differs from text info"
+
+expect 0 find "$text" -w LABEL=DISP -w INCREMENT=max
+counts 1
+prints "ONF=101/LOADCASE=1/SUBSTEP=4/ANALYSIS=0/INCREMENT=4/LABEL=DISP"
+expect 0 find -w onf=mode_shape -w state=2.. "$text"
+counts 3
+expect 0 find "$text"
+counts 48
+expect 1 find "$text" -w LAYER=1
+
+expect 0 --help
+prints "Exit codes"
+expect 0 find --help
+expect 2
+expect 2 bogus
+expect 2 info
+expect 2 info "$text" --bogus
+expect 2 find "$text" -w LABL=DISP
+complains "Did you mean LABEL?"
+expect 2 find "$folder/missing.frd" -w LAYER=7
+complains "from 1 to 3"
+
+expect 3 info "$folder/missing.frd"
+expect 3 info "$folder"
+complains "is a directory"
+: >"$folder/empty.frd"
+expect 3 info "$folder/empty.frd"
+complains "empty.frd, line 0"
+head -c 50000 "$text" >"$folder/cut.frd"
+expect 3 info "$folder/cut.frd"
+complains "line "
+expect 0 info --running "$folder/cut.frd"
+prints "no end record"
+
+# Nobody wants the rest: no error. A full device: one.
+{ "$qelta" find "$text" 2>"$err"; echo $? >"$folder/code"; } | true
+[ "$(cat "$folder/code")" -eq 0 ] && [ ! -s "$err" ] || fail "a closed pipe is no error"
+if [ -w /dev/full ]; then
+  "$qelta" info "$text" >/dev/full 2>"$err"
+  [ $? -eq 4 ] || fail "a full device gives 4"
+fi
+exit $status

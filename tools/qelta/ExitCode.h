@@ -1,0 +1,13 @@
+#pragma once
+
+namespace qelta {
+
+enum ExitCode {
+  EXIT_DONE = 0,
+  EXIT_NOTHING_FOUND = 1,
+  EXIT_USAGE = 2,
+  EXIT_BAD_INPUT = 3,  ///< damaged, missing or unreadable
+  EXIT_IO_FAILURE = 4  ///< of a device or of the output
+};
+
+}  // namespace qelta
