@@ -5,6 +5,10 @@ target_compile_options(qelta_build_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast
   -Wnon-virtual-dtor -Woverloaded-virtual
   $<$<BOOL:${QELTA_WARNINGS_AS_ERRORS}>:-Werror>)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # Nobody replaces single functions of the libraries at run time, so exported ones may be inlined.
+  target_compile_options(qelta_build_flags INTERFACE -fno-semantic-interposition)
+endif()
 if(QELTA_SANITIZE)
   target_compile_options(qelta_build_flags INTERFACE
     -fsanitize=${QELTA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -162,11 +162,3 @@ std::uint64_t FED_DataBlock::SetIntList(const FED_IntArray& list) {
 std::uint64_t FED_DataBlock::SetDoubleList(const FED_DoubleArray& list) {
   return SetDoubleList(list.data, static_cast<std::size_t>(list.count));
 }
-
-unsigned char* FED_DataBlock::RecordBuffer(FED_ConstDataRecord& record) {
-  return record.m_Buffer.get();
-}
-
-const unsigned char* FED_DataBlock::RecordBuffer(const FED_ConstDataRecord& record) {
-  return record.m_Buffer.get();
-}

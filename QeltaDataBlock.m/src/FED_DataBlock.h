@@ -192,8 +192,10 @@ class QELTA_EXPORT FED_DataBlock {
   void SetProperties(int properties) { m_Properties = properties; }
 
   /// The bytes of a cursor, `GetRecordSize()` of them; where a derived block copies records to.
-  static unsigned char* RecordBuffer(FED_ConstDataRecord& record);
-  static const unsigned char* RecordBuffer(const FED_ConstDataRecord& record);
+  static unsigned char* RecordBuffer(FED_ConstDataRecord& record) { return record.m_Buffer.get(); }
+  static const unsigned char* RecordBuffer(const FED_ConstDataRecord& record) {
+    return record.m_Buffer.get();
+  }
 
  private:
   friend class FED_DataBlockSet;

@@ -66,8 +66,12 @@ void FED_MemoryDataBlock::ChangeProperties(int properties) {
 }
 
 void FED_MemoryDataBlock::SetRecord(std::size_t index, const FED_DataRecord& record) {
-  RequireRange(index, 1);
-  CopyRecord(m_Content->records.Touch(index, false), RecordBuffer(record), GetRecordSize());
+  unsigned char* bytes = m_Content->records.Find(index);
+  if (bytes == nullptr) {
+    RequireRange(index, 1);
+    bytes = m_Content->records.Touch(index);
+  }
+  CopyRecord(bytes, RecordBuffer(record), GetRecordSize());
 }
 
 void FED_MemoryDataBlock::GetRecord(std::size_t index, FED_ConstDataRecord& record) const {

@@ -38,9 +38,9 @@ void MemoryTable::Page::Mark(std::size_t slot, std::size_t count) {
   }
 }
 
-unsigned char* MemoryTable::Touch(std::size_t index, bool zeroed) {
+unsigned char* MemoryTable::Touch(std::size_t index) {
   unsigned char* bytes = nullptr;
-  TouchRun(index, 1, zeroed, [&](unsigned char* at, std::size_t, std::size_t) { bytes = at; });
+  TouchRun(index, 1, false, [&](unsigned char* at, std::size_t, std::size_t) { bytes = at; });
   return bytes;
 }
 
@@ -67,8 +67,10 @@ unsigned char* MemoryTable::MarkPresent(std::size_t index, std::size_t count, bo
   Page& page = *m_Pages[index / kPageRecords];
   const std::size_t slot = index % kPageRecords;
   unsigned char* const bytes = page.bytes.get() + slot * m_RecordSize;
-  for (std::size_t i = 0; zeroed && i < count; ++i) {
-    if (!page.Has(slot + i)) std::memset(bytes + i * m_RecordSize, 0, m_RecordSize);
+  if (zeroed && page.CountFrom(slot, count) < count) {
+    for (std::size_t i = 0; i < count; ++i) {
+      if (!page.Has(slot + i)) std::memset(bytes + i * m_RecordSize, 0, m_RecordSize);
+    }
   }
   page.Mark(slot, count);
   m_MaxIndex = std::max(m_MaxIndex, static_cast<std::int64_t>(index + count - 1));

@@ -29,9 +29,12 @@ class MemoryTable {
     return page->bytes.get() + index % kPageRecords * m_RecordSize;
   }
 
-  /// The bytes of the record, which is made when it is absent: zeroed, unless the caller is going
-  /// to write all of it.
-  unsigned char* Touch(std::size_t index, bool zeroed);
+  unsigned char* Find(std::size_t index) {
+    return const_cast<unsigned char*>(static_cast<const MemoryTable*>(this)->Find(index));
+  }
+
+  /// Makes the record when it is absent. The caller is going to write all of it.
+  unsigned char* Touch(std::size_t index);
 
   /// -1 for an empty table.
   std::int64_t MaxIndex() const { return m_MaxIndex; }

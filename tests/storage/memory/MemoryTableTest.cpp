@@ -11,7 +11,7 @@ namespace {
 TEST(MemoryTable, TheFirstPageGrowsWithItsRecords) {
   MemoryTable table(sizeof(std::size_t));
   for (std::size_t index = 0; index < MemoryTable::kPageRecords; ++index) {
-    std::memcpy(table.Touch(index, false), &index, sizeof index);
+    std::memcpy(table.Touch(index), &index, sizeof index);
     for (std::size_t i = 0; i <= index; i += 1 + index / 8) {
       ASSERT_EQ(std::memcmp(table.Find(i), &i, sizeof i), 0) << i << " of " << index;
     }
