@@ -66,23 +66,20 @@ function(qelta_add_core_library)
     QeltaDbConnector QeltaUtilities QeltaOnfSpecification QeltaIdMaps)
 endfunction()
 
-# qelta_add_module(NAME EXPORT_NAME ... BUILDING macro SOURCES ... PARTS ... HEADERS ... USES ...)
-# A library of its own above the core, Qelta::<EXPORT_NAME>. PARTS are object libraries that go into
-# it; BUILDING is the macro that tells its headers that it is being built.
+# qelta_add_module(NAME EXPORT_NAME ... BUILDING macro SOURCES ... HEADERS ... USES ...)
+# A library of its own above the core, Qelta::<EXPORT_NAME>. BUILDING is the macro that tells its
+# headers that it is being built.
 function(qelta_add_module name)
-  cmake_parse_arguments(ARG "" "EXPORT_NAME;BUILDING" "SOURCES;PARTS;HEADERS;USES" ${ARGN})
+  cmake_parse_arguments(ARG "" "EXPORT_NAME;BUILDING" "SOURCES;HEADERS;USES" ${ARGN})
   add_library(${name} ${QELTA_LIBRARY_TYPE} ${ARG_SOURCES})
+  # Installed libraries find one another beside themselves.
   set_target_properties(${name} PROPERTIES EXPORT_NAME ${ARG_EXPORT_NAME}
-    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} INSTALL_RPATH "$ORIGIN")
   target_include_directories(${name}
     PUBLIC $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}>
            $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/QeltaDbConnector>)
   target_link_libraries(${name} PUBLIC ${ARG_USES} PRIVATE $<BUILD_INTERFACE:qelta_build_flags>)
   target_compile_definitions(${name} PRIVATE ${ARG_BUILDING})
-  foreach(part IN LISTS ARG_PARTS)
-    target_sources(${name} PRIVATE $<TARGET_OBJECTS:${part}>)
-    target_include_directories(${name} PRIVATE $<TARGET_PROPERTY:${part},INTERFACE_INCLUDE_DIRECTORIES>)
-  endforeach()
   qelta_limit_exports(${name} QeltaModule.map)
   add_library(Qelta::${ARG_EXPORT_NAME} ALIAS ${name})
   set_property(GLOBAL APPEND PROPERTY QELTA_INSTALL_TARGETS ${name})

@@ -1,12 +1,10 @@
 #pragma once
 
+#include "QeltaExport.h"
+
 /* Marks the companion entry points; QELTA_BUILDING_FORTRAN is defined while they are compiled. */
-#if defined(QELTA_STATIC)
-#define QELTA_FORTRAN_EXPORT
-#elif defined(_WIN32) && defined(QELTA_BUILDING_FORTRAN)
-#define QELTA_FORTRAN_EXPORT __declspec(dllexport)
-#elif defined(_WIN32)
-#define QELTA_FORTRAN_EXPORT __declspec(dllimport)
+#if defined(QELTA_BUILDING_FORTRAN)
+#define QELTA_FORTRAN_EXPORT QELTA_SHOWN
 #else
-#define QELTA_FORTRAN_EXPORT __attribute__((visibility("default")))
+#define QELTA_FORTRAN_EXPORT QELTA_SEEN
 #endif

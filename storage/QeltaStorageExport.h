@@ -2,14 +2,16 @@
 
 #include "QeltaExport.h"
 
-/// Marks what a storage module shows outside its library; QELTA_BUILDING_STORAGE is defined while
-/// the module itself is compiled.
-#if defined(QELTA_STATIC)
-#define QELTA_STORAGE_EXPORT
-#elif defined(_WIN32) && defined(QELTA_BUILDING_STORAGE)
-#define QELTA_STORAGE_EXPORT __declspec(dllexport)
-#elif defined(_WIN32)
-#define QELTA_STORAGE_EXPORT __declspec(dllimport)
+// What the storage libraries show; each macro's QELTA_BUILDING_... is defined while its library is
+// compiled.
+#if defined(QELTA_BUILDING_STORAGE)
+#define QELTA_STORAGE_EXPORT QELTA_SHOWN
 #else
-#define QELTA_STORAGE_EXPORT __attribute__((visibility("default")))
+#define QELTA_STORAGE_EXPORT QELTA_SEEN
+#endif
+
+#if defined(QELTA_BUILDING_MEMORY_STORAGE)
+#define QELTA_MEMORY_STORAGE_EXPORT QELTA_SHOWN
+#else
+#define QELTA_MEMORY_STORAGE_EXPORT QELTA_SEEN
 #endif

@@ -38,14 +38,14 @@ std::uint64_t CopyTo(Value* out, const qelta::MemoryArena::Content& content) {
 
 FED_MemoryDataBlock::FED_MemoryDataBlock(const FED_DataDescriptor& descriptor, StorePointer store,
                                          ContentPointer content)
-    : StorageBlock(descriptor), m_Store(std::move(store)) {
+    : FED_StorageBlock(descriptor), m_Store(std::move(store)) {
   TakeContent(std::move(content));
 }
 
 FED_MemoryDataBlock::FED_MemoryDataBlock(const FED_DataDescriptor& descriptor,
                                          const std::string& format, StorePointer store,
                                          ContentPointer content)
-    : StorageBlock(descriptor, format), m_Store(std::move(store)) {
+    : FED_StorageBlock(descriptor, format), m_Store(std::move(store)) {
   TakeContent(std::move(content));
 }
 

@@ -3,12 +3,12 @@
 #include <memory>
 #include <string>
 
+#include "FED_StorageBlock.h"
 #include "MemoryStore.h"
-#include "StorageBlock.h"
 
 /// A block whose content is in a `qelta::MemoryStore`. Made by `FED_MemoryDatabase`: with new,
 /// empty content, or over content that is there already.
-class FED_MemoryDataBlock final : public qelta::StorageBlock {
+class FED_MemoryDataBlock final : public FED_StorageBlock {
  public:
   using StorePointer = std::shared_ptr<qelta::MemoryStore>;
   using ContentPointer = std::shared_ptr<qelta::MemoryContent>;

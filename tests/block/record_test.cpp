@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
-#include <memory>
 #include <set>
 #include <string>
 #include <vector>
@@ -12,6 +11,7 @@
 #include "FailingAllocation.h"
 #include "FailureMatcher.h"
 #include "FakeBlock.h"
+#include "RecordCursor.h"
 
 namespace {
 
@@ -29,28 +29,8 @@ class CustomBlock : public FakeBlock {
   explicit CustomBlock(const std::string& format) : FakeBlock(FED_DataDescriptor(), format) {}
 };
 
-// Gives the cursor back when it goes.
-template <class Record>
-class Cursor {
- public:
-  explicit Cursor(const FED_DataBlock& block, Record& record) : m_Block(block), m_Record(record) {}
-  ~Cursor() { m_Block.DeleteDataRecord(m_Record); }
-  Cursor(const Cursor&) = delete;
-  Cursor& operator=(const Cursor&) = delete;
-  Record& operator*() const { return m_Record; }
-  Record* operator->() const { return &m_Record; }
-
- private:
-  const FED_DataBlock& m_Block;
-  Record& m_Record;
-};
-
-Cursor<FED_DataRecord> MakeCursor(FED_DataBlock& block) {
-  return Cursor<FED_DataRecord>(block, block.CreateDataRecord());
-}
-Cursor<FED_ConstDataRecord> MakeConstCursor(const FED_DataBlock& block) {
-  return Cursor<FED_ConstDataRecord>(block, block.CreateDataRecord());
-}
+using Writer = qelta::RecordWriter;
+using Reader = qelta::RecordReader;
 
 // A cursor of any layout, whatever the formats allow.
 class AnyRecord : public FED_ConstDataRecord {
@@ -92,7 +72,7 @@ Doubles DoublesOf(const FED_ConstDataRecord& record, std::size_t i) {
 
 TEST(RecordLayout, FieldsFollowOneAnotherWithoutPadding) {
   CustomBlock block("I|IdVTS");
-  const auto cursor = MakeCursor(block);
+  const Writer cursor(block);
   ASSERT_EQ(cursor->Size(), 5u);
   const unsigned char* const bytes = FakeBlock::RecordBuffer(*cursor);
   EXPECT_EQ(Bytes(bytes, bytes + 88), Bytes(88, 0));
@@ -119,14 +99,14 @@ TEST(RecordCounter, FollowsMakingAndGivingBack) {
     EXPECT_EQ(FED_ConstDataRecord::s_InstanceCounter - before, count);
   };
   {
-    const auto writable = MakeCursor(block);
-    const auto readOnly = MakeConstCursor(block);
+    const Writer writable(block);
+    const Reader readOnly(block);
     expectCount(2);
   }
   expectCount(0);
   const auto check = [&] { expectCount(0); };
-  EXPECT_GT(ForEachFailingAllocation([&] { MakeCursor(block); }, check), 0u);
-  EXPECT_GT(ForEachFailingAllocation([&] { MakeConstCursor(block); }, check), 0u);
+  EXPECT_GT(ForEachFailingAllocation([&] { Writer cursor(block); }, check), 0u);
+  EXPECT_GT(ForEachFailingAllocation([&] { Reader cursor(block); }, check), 0u);
   for (const int type : {0, 12, -1, kMax}) {
     ExpectFailure(
         [&] {
@@ -161,7 +141,7 @@ TEST(RecordFields, HandlesKeepTheirLow32BitsAndTheirSign) {
     }
   };
   FarHandles block("I|S");
-  const auto cursor = MakeCursor(block);
+  const Writer cursor(block);
   cursor->SetString(1, "any");
   EXPECT_EQ(cursor->GetInteger(1), 7);
   cursor->SetInteger(1, -2);
@@ -174,7 +154,7 @@ TEST(RecordFields, ListsKeepOrderAndSetsDoNot) {
   const Ints lists[] = {
       {}, {5, 3, 3, 4, 9}, {0}, {kMax, kMin, 0, kMax - 1, kMin + 1, -1}, {kMax, kMax}, many};
   CustomBlock block("I|OLi");
-  const auto cursor = MakeCursor(block);
+  const Writer cursor(block);
   for (const Ints& list : lists) {
     const std::set<int> sorted(list.begin(), list.end());
     const Ints members(sorted.begin(), sorted.end());
@@ -194,30 +174,9 @@ TEST(RecordFields, ListsKeepOrderAndSetsDoNot) {
   }
 }
 
-TEST(RecordFields, WriteThatFailsInTheBlockKeepsTheField) {
-  class Failing : public CustomBlock {
-   public:
-    using CustomBlock::CustomBlock;
-    using FED_DataBlock::SetDoubleList;
-    using FED_DataBlock::SetIntList;
-    std::uint64_t SetString(const std::string&) override { Fail(); }
-    std::uint64_t SetIntList(const int*, std::size_t) override { Fail(); }
-    std::uint64_t SetDoubleList(const double*, std::size_t) override { Fail(); }
-    [[noreturn]] static void Fail() { FED_Failure::Throw("1", "", "full"); }
-  };
-  Failing block("I|SOLD");
-  const auto cursor = MakeCursor(block);
-  for (std::size_t i = 1; i <= 4; ++i) cursor->SetInteger(i, 40);
-  EXPECT_EQ(FailureId([&] { cursor->SetString(1, "text"); }), "1");
-  EXPECT_EQ(FailureId([&] { cursor->SetIntList(2, Ints{1}); }), "1");
-  EXPECT_EQ(FailureId([&] { cursor->SetIntList(3, Ints{1}); }), "1");
-  EXPECT_EQ(FailureId([&] { cursor->SetDoubleList(4, Doubles{1}); }), "1");
-  for (std::size_t i = 1; i <= 4; ++i) EXPECT_EQ(cursor->GetInteger(i), 40);
-}
-
 TEST(RecordCopy, BulkItemTouchesItsFieldAlone) {
   CustomBlock block("I|fVTSd");
-  const auto source = MakeCursor(block), target = MakeCursor(block);
+  const Writer source(block), target(block);
   const std::ptrdiff_t offsets[] = {0, 4, 28, 76, 80, 88};
   unsigned char* const bytes = FakeBlock::RecordBuffer(*target);
   std::memset(FakeBlock::RecordBuffer(*source), 0x11, 88);
@@ -273,14 +232,14 @@ TEST(RecordCopy, AssignmentMovesContentBetweenBlocks) {
   target.SetString("other");
   target.SetIntList(Ints(3).data(), 3);
   target.SetDoubleList(Doubles(1).data(), 1);
-  const auto first = MakeCursor(target), second = MakeCursor(target);
+  const Writer first(target), second(target);
   {
     CustomBlock source(kEverything);
-    const auto filled = MakeCursor(source);
+    const Writer filled(source);
     FillEverything(*filled);
     *first = *filled;
     source.SetRecord(3, *filled);
-    const auto readOnly = MakeConstCursor(source);
+    const Reader readOnly(source);
     source.GetRecord(3, *readOnly);
     EXPECT_EQ(&(*second = *readOnly), &*second);
     ExpectEverything(*readOnly);
@@ -293,7 +252,7 @@ TEST(RecordCopy, AssignmentMovesContentBetweenBlocks) {
 
 TEST(RecordCopy, TypeOfTheTargetDecidesBetweenListAndSet) {
   CustomBlock lists("I|L"), sets("I|O");
-  const auto list = MakeCursor(lists), set = MakeCursor(sets);
+  const Writer list(lists), set(sets);
   list->SetIntList(1, Ints{3, 1, 3, 2});
   *set = *list;
   EXPECT_THAT(IntsOf(*set, 1), ElementsAre(1, 2, 3));
@@ -304,22 +263,22 @@ TEST(RecordCopy, TypeOfTheTargetDecidesBetweenListAndSet) {
 
 TEST(RecordCopy, OtherFieldCountsChangeNothing) {
   CustomBlock three("I|III"), two("I|II"), none("I");
-  const auto source = MakeCursor(three), target = MakeCursor(two), empty = MakeCursor(none);
+  const Writer source(three), target(two), empty(none);
   for (std::size_t i = 1; i <= 3; ++i) source->SetInteger(i, 5);
   *target = *source;
   *target = *empty;
   *empty = *source;
-  *empty = *MakeCursor(none);
-  EXPECT_TRUE(*target == *MakeCursor(two));
+  *empty = *Writer(none);
+  EXPECT_TRUE(*target == *Writer(two));
   EXPECT_EQ(empty->Size(), 0u);
 }
 
 TEST(RecordEquality, LayoutAndBytes) {
   CustomBlock block("I|dS"), other("I|dS"), typed("I|tS");
-  const auto a = MakeCursor(block), b = MakeCursor(block), c = MakeCursor(other);
+  const Writer a(block), b(block), c(other);
   EXPECT_TRUE(*a == *b);
   EXPECT_TRUE(*a == *c);
-  EXPECT_FALSE(*a == *MakeCursor(typed));
+  EXPECT_FALSE(*a == *Writer(typed));
   a->SetDouble(1, -0.0);
   EXPECT_FALSE(*a == *b) << "bytes compare, not values";
   b->SetDouble(1, -0.0);

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -15,7 +14,6 @@ namespace {
 
 using namespace qelta::test;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using Descriptor = FED_DataDescriptor;
 
 Descriptor Key(int iteration) { return Descriptor(iteration, ONF_TEMPERATURE); }
@@ -142,6 +140,7 @@ TEST(DatabaseAlias, TestsRunInOrderAndChangeNothing) {
 }
 
 TEST(DatabaseCacheSize, EnvironmentOverridesTheRequest) {
+  const std::uint64_t terabyte = std::uint64_t{1} << 40;
   const struct {
     const char* variable;
     std::uint64_t requested, size;
@@ -151,9 +150,9 @@ TEST(DatabaseCacheSize, EnvironmentOverridesTheRequest) {
       {nullptr, 1023, 1024},
       {nullptr, 1024, 1024},
       {nullptr, 1025, 2048},
-      {nullptr, (std::uint64_t{1} << 40) + 1, (std::uint64_t{1} << 40) + 1024},
+      {nullptr, terabyte + 1, terabyte + 1024},
       {"5000", 0, 5120},
-      {"5000", 1 << 20, 5120},
+      {"5000", terabyte, 5120},
       {"1", 5000, 1024},
       {"2147483647", 1, std::uint64_t{1} << 31},
       {" 5000 ", 1, 5120},

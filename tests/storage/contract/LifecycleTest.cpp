@@ -67,12 +67,15 @@ TEST_P(StorageContract, DatabasesThatWereOpenedSeparatelyShareNothing) {
   const auto other = GetParam().make();
   other->InitDb({}, kCreate, 0, GetParam().freshName());
   const FED_DataBlock& mine = Make(CustomKey(1), "I|d");
+  Make(CustomKey(4), "I|d");
   other->CreateDataBlock(CustomKey(2), 0, 0, "I|d").SetScalar(0, 2);
-  Make(CustomKey(3), "I|d").SetScalar(0, 3);
+  FED_DataBlock& common = Make(CustomKey(3), "I|d");
+  common.SetScalar(0, 3);
   other->CreateDataBlock(CustomKey(3), 0, 0, "I|d").SetScalar(0, 4);
   EXPECT_FALSE(Has(CustomKey(2)));
-  // The descriptor of a block remembers no position, so it means its key anywhere.
+  // The descriptor of a block remembers nothing, so it means its key in any database.
   EXPECT_FALSE(other->HasBlock(mine.GetDescriptor()));
+  EXPECT_TRUE(other->HasBlock(common.GetDescriptor()));
   CloseBlocks();
   Db().DeleteDataBlock(CustomKey(1));
   EXPECT_EQ(Get(CustomKey(3)).GetScalar(0), 3);

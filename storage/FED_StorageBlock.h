@@ -9,12 +9,11 @@
 
 #include "FED_DataBlock.h"
 #include "FED_RecordRuns.h"
-
-namespace qelta {
+#include "QeltaStorageExport.h"
 
 /// What the blocks of all storage modules have in common: everything that follows from runs and
 /// columns of records, and the checks with their messages.
-class StorageBlock : public FED_DataBlock, public FED_RecordRuns {
+class QELTA_STORAGE_EXPORT FED_StorageBlock : public FED_DataBlock, public FED_RecordRuns {
  public:
   static constexpr std::size_t kMaxIndex = 0x7fffffff;
 
@@ -36,8 +35,8 @@ class StorageBlock : public FED_DataBlock, public FED_RecordRuns {
   std::vector<double> GetFieldData() const override;
 
  protected:
-  explicit StorageBlock(const FED_DataDescriptor& descriptor);
-  StorageBlock(const FED_DataDescriptor& descriptor, const std::string& format);
+  explicit FED_StorageBlock(const FED_DataDescriptor& descriptor);
+  FED_StorageBlock(const FED_DataDescriptor& descriptor, const std::string& format);
 
   /// Bytes from the start of a record to field i, counted from 1, and the bytes of the field.
   struct FieldPlace {
@@ -95,5 +94,3 @@ class StorageBlock : public FED_DataBlock, public FED_RecordRuns {
   std::size_t m_VectorField = 0;
   std::size_t m_TensorField = 0;
 };
-
-}  // namespace qelta

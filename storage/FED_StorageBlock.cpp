@@ -1,27 +1,27 @@
-#include "StorageBlock.h"
+#include "FED_StorageBlock.h"
 
 #include <algorithm>
 
 #include "FED_Failure.h"
 #include "OnfFormatStringTool.h"
 
-namespace qelta {
 namespace {
 
-constexpr const char* kLocation = "|%P|QeltaStorage|StorageBlock";
+constexpr const char* kLocation = "|%P|QeltaStorage|FED_StorageBlock";
 
 }  // namespace
 
-StorageBlock::StorageBlock(const FED_DataDescriptor& descriptor) : FED_DataBlock(descriptor) {
+FED_StorageBlock::FED_StorageBlock(const FED_DataDescriptor& descriptor)
+    : FED_DataBlock(descriptor) {
   LayOut();
 }
 
-StorageBlock::StorageBlock(const FED_DataDescriptor& descriptor, const std::string& format)
+FED_StorageBlock::FED_StorageBlock(const FED_DataDescriptor& descriptor, const std::string& format)
     : FED_DataBlock(descriptor, format) {
   LayOut();
 }
 
-void StorageBlock::LayOut() {
+void FED_StorageBlock::LayOut() {
   std::size_t offset = 0;
   for (const BlockDataType type : GetDataTypes()) {
     const auto size = static_cast<std::size_t>(OnfFormatStringTool::GetFieldSize(type));
@@ -34,27 +34,27 @@ void StorageBlock::LayOut() {
   m_TensorField = FirstOf({BLOCK_DATA_TENSOR});
 }
 
-std::size_t StorageBlock::FirstOf(std::initializer_list<BlockDataType> types) const {
+std::size_t FED_StorageBlock::FirstOf(std::initializer_list<BlockDataType> types) const {
   const std::vector<BlockDataType>& fields = GetDataTypes();
   const auto found = std::find_first_of(fields.begin(), fields.end(), types.begin(), types.end());
   return found == fields.end() ? 0 : static_cast<std::size_t>(found - fields.begin()) + 1;
 }
 
-std::size_t StorageBlock::Require(std::size_t field, const char* kind) const {
+std::size_t FED_StorageBlock::Require(std::size_t field, const char* kind) const {
   if (field != 0) return field;
   FED_Failure::Throw("200000000001", kLocation,
                      "Block %s has no %s field: its format is '%s'. Use a record cursor.",
                      GetDescriptor().ToString().c_str(), kind, GetFormat().c_str());
 }
 
-const StorageBlock::FieldPlace& StorageBlock::PlaceOf(std::size_t field) const {
+const FED_StorageBlock::FieldPlace& FED_StorageBlock::PlaceOf(std::size_t field) const {
   if (1 <= field && field <= m_Places.size()) return m_Places[field - 1];
   FED_Failure::Throw("200000000002", kLocation, "Block %s has no field %Iu: it has %Iu fields.",
                      GetDescriptor().ToString().c_str(), static_cast<std::uint64_t>(field),
                      static_cast<std::uint64_t>(m_Places.size()));
 }
 
-void StorageBlock::RequireRange(std::size_t first, std::size_t count) const {
+void FED_StorageBlock::RequireRange(std::size_t first, std::size_t count) const {
   // No sums here: they could pass the end of std::size_t.
   if (count == 0 || (first <= kMaxIndex && count - 1 <= kMaxIndex - first)) return;
   FED_Failure::Throw(
@@ -64,7 +64,7 @@ void StorageBlock::RequireRange(std::size_t first, std::size_t count) const {
       GetDescriptor().ToString().c_str(), static_cast<std::uint64_t>(kMaxIndex));
 }
 
-void StorageBlock::FailAbsent(std::size_t index) const {
+void FED_StorageBlock::FailAbsent(std::size_t index) const {
   RequireRange(index, 1);
   FED_Failure::Throw("200000000004", kLocation,
                      "Block %s holds no record at index %Iu; its highest index is %d. Ask "
@@ -73,15 +73,15 @@ void StorageBlock::FailAbsent(std::size_t index) const {
                      static_cast<int>(GetMaxIndex()));
 }
 
-void StorageBlock::FailHandle(std::uint64_t handle, const char* kind) const {
+void FED_StorageBlock::FailHandle(std::uint64_t handle, const char* kind) const {
   FED_Failure::Throw("200000000005", kLocation,
                      "Block %s keeps no %s under the handle %Iu. Handles belong to the block that "
                      "gave them out.",
                      GetDescriptor().ToString().c_str(), kind, handle);
 }
 
-void StorageBlock::CopyStrided(unsigned char* to, std::size_t toStep, const unsigned char* from,
-                               std::size_t fromStep, std::size_t size, std::size_t count) {
+void FED_StorageBlock::CopyStrided(unsigned char* to, std::size_t toStep, const unsigned char* from,
+                                   std::size_t fromStep, std::size_t size, std::size_t count) {
   if (size == 0) return;  // records without fields: the caller's address may be null
   if (toStep == size && fromStep == size) {
     std::memcpy(to, from, size * count);
@@ -92,15 +92,15 @@ void StorageBlock::CopyStrided(unsigned char* to, std::size_t toStep, const unsi
   }
 }
 
-FED_IntSetIntvl<int> StorageBlock::GetRecordIndices() const {
+FED_IntSetIntvl<int> FED_StorageBlock::GetRecordIndices() const {
   FED_IntSetIntvl<int> indices;
   PresentRuns(indices);
   return indices;
 }
 
-void StorageBlock::GetRecordIndices(FED_IntSetIntvl<int>& out) const { PresentRuns(out); }
+void FED_StorageBlock::GetRecordIndices(FED_IntSetIntvl<int>& out) const { PresentRuns(out); }
 
-void StorageBlock::GetRecordIndices(std::vector<std::uint64_t>& out) const {
+void FED_StorageBlock::GetRecordIndices(std::vector<std::uint64_t>& out) const {
   out.clear();
   for (const auto& run : GetRecordIndices()) {
     for (std::int64_t index = run.lo; index <= run.hi; ++index) {
@@ -109,44 +109,44 @@ void StorageBlock::GetRecordIndices(std::vector<std::uint64_t>& out) const {
   }
 }
 
-void StorageBlock::SetInteger(std::size_t index, int value) {
+void FED_StorageBlock::SetInteger(std::size_t index, int value) {
   WriteColumn(Require(m_IntegerField, "integer"), index, 1, &value);
 }
 
-int StorageBlock::GetInteger(std::size_t index) const {
+int FED_StorageBlock::GetInteger(std::size_t index) const {
   int value = 0;
   ReadColumn(Require(m_IntegerField, "integer"), index, 1, &value);
   return value;
 }
 
-void StorageBlock::SetScalar(std::size_t index, double value) {
+void FED_StorageBlock::SetScalar(std::size_t index, double value) {
   WriteColumn(Require(m_ScalarField, "scalar"), index, 1, &value);
 }
 
-double StorageBlock::GetScalar(std::size_t index) const {
+double FED_StorageBlock::GetScalar(std::size_t index) const {
   double value = 0;
   ReadColumn(Require(m_ScalarField, "scalar"), index, 1, &value);
   return value;
 }
 
-void StorageBlock::SetVector(std::size_t index, const double* values) {
+void FED_StorageBlock::SetVector(std::size_t index, const double* values) {
   WriteColumn(Require(m_VectorField, "vector"), index, 1, values);
 }
 
-void StorageBlock::GetVector(std::size_t index, double* values) const {
+void FED_StorageBlock::GetVector(std::size_t index, double* values) const {
   ReadColumn(Require(m_VectorField, "vector"), index, 1, values);
 }
 
-void StorageBlock::SetTensor(std::size_t index, const double* values) {
+void FED_StorageBlock::SetTensor(std::size_t index, const double* values) {
   WriteColumn(Require(m_TensorField, "tensor"), index, 1, values);
 }
 
-void StorageBlock::GetTensor(std::size_t index, double* values) const {
+void FED_StorageBlock::GetTensor(std::size_t index, double* values) const {
   ReadColumn(Require(m_TensorField, "tensor"), index, 1, values);
 }
 
 // A block with field data has one field, so its records are the values themselves.
-std::vector<double> StorageBlock::GetFieldData() const {
+std::vector<double> FED_StorageBlock::GetFieldData() const {
   const auto width = static_cast<std::size_t>(GetFieldDim());
   if (width == 0) return {};
   FED_IntSetIntvl<int> indices;
@@ -160,5 +160,3 @@ std::vector<double> StorageBlock::GetFieldData() const {
   }
   return values;
 }
-
-}  // namespace qelta
