@@ -16,8 +16,14 @@ install(FILES ${PROJECT_BINARY_DIR}/QeltaDbConnectorConfig.cmake
               ${PROJECT_BINARY_DIR}/QeltaDbConnectorConfigVersion.cmake
         DESTINATION ${package_folder})
 
+# The package may be moved: its folders are found from where the .pc file lies.
+file(RELATIVE_PATH QELTA_PREFIX_FROM_PC
+  /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 if(QELTA_BUILD_FORTRAN)
   set(QELTA_FMODDIR "fmoddir=\${pcfiledir}/../${QELTA_FORTRAN_MODULES}")
+endif()
+if(NOT QELTA_SHARED)
+  set(QELTA_STATIC_DEFINE -DQELTA_STATIC)
 endif()
 configure_file(${CMAKE_CURRENT_LIST_DIR}/qelta-db-connector.pc.in
   ${PROJECT_BINARY_DIR}/qelta-db-connector.pc @ONLY)

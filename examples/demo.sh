@@ -24,3 +24,6 @@ step "qelta find ... -w ONF=mode_shape -w STATE=..2   (the first two mode shapes
 
 step "the highest displacement, by a C++ program of 60 lines"
 "$build/examples/cpp/highest_displacement" "$work/cantilever.frd"
+
+step "a Fortran program optimises a cantilever of 60 x 20 elements and stores every iteration"
+"$build/examples/fortran/topology_optimisation" 60 20 200 memory cantilever

@@ -11,7 +11,7 @@ set(sources qelta_kinds.f90 qelta_bindings.f90 qelta_failures.f90 qelta_handles.
 set(modules ${CMAKE_CURRENT_BINARY_DIR}/modules)
 add_library(QeltaFortranModule ${QELTA_LIBRARY_TYPE} ${sources})
 set_target_properties(QeltaFortranModule PROPERTIES
-  EXPORT_NAME FortranModule Fortran_MODULE_DIRECTORY ${modules}
+  EXPORT_NAME FortranModule Fortran_MODULE_DIRECTORY ${modules} INSTALL_RPATH $ORIGIN
   VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
 target_include_directories(QeltaFortranModule
   PUBLIC $<BUILD_INTERFACE:${modules}>

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cstring>
-#include <filesystem>
 #include <memory>
+#include <string>
 
 #include "FED_DataDescriptorList.h"
 #include "FED_Database.h"
@@ -24,6 +24,15 @@ FED_DatabaseDefs::AccessMode RequireMode(std::int32_t mode) {
                        mode);
   }
   return static_cast<FED_DatabaseDefs::AccessMode>(mode);
+}
+
+std::wstring RequireName(const char* name) {
+  std::wstring wide;
+  if (!QeltaStringUtil::ToWide(name, wide)) {
+    FED_Failure::Throw("400000000006", kLocation,
+                       "The name '%s' of the database is not in UTF-8; convert it.", name);
+  }
+  return wide;
 }
 
 // Columns travel as bare values, so what a block keeps under handles cannot.
@@ -73,8 +82,7 @@ void Database_Open_F(const char* kind, const char* name, const std::int32_t* mod
   const auto work = [&] {
     std::unique_ptr<FED_Database> made = qelta::MakeDatabase(kind);
     const auto bytes = static_cast<std::uint64_t>(std::max<std::int64_t>(*cacheSize, 0));
-    made->InitDb(FED_IdMapsPool(), RequireMode(*mode), bytes,
-                 std::filesystem::u8path(name).wstring());
+    made->InitDb(FED_IdMapsPool(), RequireMode(*mode), bytes, RequireName(name));
     *database = made.release();
   };
   qelta::RunWithStatus(kLocation, status, work, kind, name, mode, cacheSize, database);

@@ -6,16 +6,20 @@
 !>     call db%fetch_block(qelta_descriptor(iteration=1, onf=onf_displacement), block)
 !>     call block%set_vectors(displacements)   ! real(real64), shape (3, nodes)
 !>
+!> What the types do is said where they are defined: qelta_databases.f90, qelta_blocks.f90,
+!> qelta_records.f90, and qelta_keys.f90 for descriptors and patterns.
+!>
 !> Record indices start at 0, the fields of a record at 1. Descriptor fields have names:
 !> `qelta_iteration` and so on.
 !>
 !> Everything that can fail has the optional last arguments `status` (0 on success) and `message`, a
 !> character variable that a failure sets (up to 1100 characters). Without `status` a failure writes
 !> its text to the error unit and stops the program with exit code 1. After a failure the other
-!> arguments are as they were, columns apart. The library logs failures on standard error in either case.
+!> arguments are as they were, columns apart. The library logs failures in either case.
 !>
-!> Databases and records are shared by assignment and released once, see their types; pass them as
-!> intent(in) or intent(inout). Everything here serves one thread at a time. Texts are UTF-8.
+!> The variable that a database or record was opened with owns it, copies look on; pass them as
+!> intent(in) or intent(inout), not as function results. Everything here serves one thread at a
+!> time. Texts are UTF-8.
 module qelta
   use qelta_blocks, only: qelta_block
   use qelta_databases, only: qelta_database

@@ -12,9 +12,10 @@ module qelta_databases
   private
   public :: qelta_database
 
-  !> A database. Variables that were assigned from one another share it; it is closed when the last
-  !> one goes or by `close` of any. Closing does not save, and releases the records of its blocks.
-  !> Variables of a main program never go by themselves: close what they hold.
+  !> A database. The variable that opened it owns it: it is closed when that variable ends or is
+  !> given another value, or by `close` of any. Variables assigned from the owner look on, and so
+  !> would a function result: it is no owner. Closing does not save, and releases the records of its
+  !> blocks. Variables of a main program never end by themselves: close what they hold.
   type :: qelta_database
     private
     type(ticket) :: held
@@ -57,7 +58,7 @@ contains
     call drop(self%held)
     database = c_null_ptr
     call Database_Open_F(for_c(trim(kind)), for_c(trim(name)), access, bytes, database, code)
-    if (code == qelta_ok) self%held = register_database(database)
+    if (code == qelta_ok) call hold_database(self%held, database)
     call conclude(code, status, message)
   end subroutine
 
@@ -217,7 +218,7 @@ contains
     if (has /= 1) return
     block = c_null_ptr
     call Database_FetchBlock_F(database, key%layout, block, code)
-    if (code == qelta_ok) call release_records_of_block(held, block)
+    if (code == qelta_ok) call release_records(held, block)
   end subroutine
 
   !> Makes `alias` a further key of the block of `existing`. When `existing` has no block, `alias`
@@ -244,11 +245,7 @@ contains
   impure elemental subroutine assign_database(self, other)
     class(qelta_database), intent(inout) :: self
     type(qelta_database), intent(in) :: other
-    type(ticket) :: held
-    held = other%held
-    call share(held)
-    call drop(self%held)
-    self%held = held
+    call look_on(self%held, other%held)
   end subroutine
 
   impure elemental subroutine finalise_database(self)

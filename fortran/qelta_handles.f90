@@ -1,16 +1,18 @@
-!> The open databases and record cursors of the program, and who shares them. A handle variable
-!> holds a ticket; a ticket whose object was released is dead wherever it was copied to, so nothing
-!> is released twice, and a record never outlives its block or database.
+!> The open databases and record cursors of the program. A handle variable holds a ticket; the one
+!> that an object was opened with owns it and releases it, all others look on. The owner is known by
+!> its place in memory: compilers disagree on which copies they finalise, but a copy is never where
+!> the owner is. A ticket whose object was released is dead wherever it was copied to, so nothing is
+!> released twice, and a record never outlives its block or database.
 module qelta_handles
-  use, intrinsic :: iso_c_binding, only: c_associated, c_null_ptr, c_ptr
+  use, intrinsic :: iso_c_binding, only: c_associated, c_intptr_t, c_loc, c_null_ptr, c_ptr
   use, intrinsic :: iso_fortran_env, only: int32, int64
   use qelta_bindings, only: Database_Close_F, DataBlock_DeleteRecord_F
   use qelta_kinds, only: qelta_ok
   implicit none
   private
-  public :: ticket, register_database, register_record, is_open, object_of, block_of, share, drop
-  public :: release, release_records_of_block, has_records, deletions_of, count_deletion
-  public :: field_count_of, field_type_of
+  public :: ticket, hold_database, hold_record, drop, look_on, is_open, release
+  public :: object_of, block_of, field_count_of, field_type_of
+  public :: release_records, has_records, deletions_of, count_deletion
 
   type :: ticket
     integer :: slot = 0
@@ -19,8 +21,8 @@ module qelta_handles
 
   type :: entry
     integer(int64) :: serial = 0  ! 0: free
-    integer :: shares = 0
     type(c_ptr) :: object = c_null_ptr
+    integer(c_intptr_t) :: owner = 0
     ! Of a record:
     type(c_ptr) :: block = c_null_ptr
     type(ticket) :: database
@@ -35,27 +37,53 @@ module qelta_handles
 
 contains
 
-  function register_database(object) result(new)
+  !> Makes `held` the owner of an open database, in place of what it held.
+  subroutine hold_database(held, object)
+    type(ticket), intent(inout) :: held
     type(c_ptr), intent(in) :: object
-    type(ticket) :: new
+    call drop(held)
     last_serial = last_serial + 1
     number_in_use = number_in_use + 1
-    new = ticket(free_slot(), last_serial)
-    entries(new%slot)%serial = new%serial
-    entries(new%slot)%shares = 1
-    entries(new%slot)%object = object
-  end function
+    held = ticket(free_slot(), last_serial)
+    entries(held%slot)%serial = held%serial
+    entries(held%slot)%object = object
+    entries(held%slot)%owner = place_of(held)
+  end subroutine
 
-  !> The field types of the record come along, so that the variables that hold it stay plain.
-  function register_record(object, block, database, types) result(new)
+  !> Makes `held` the owner of a record cursor, in place of what it held.
+  subroutine hold_record(held, object, block, database, types)
+    type(ticket), intent(inout) :: held
     type(c_ptr), intent(in) :: object, block
     type(ticket), intent(in) :: database
     integer(int32), intent(in) :: types(:)
-    type(ticket) :: new
-    new = register_database(object)
-    entries(new%slot)%block = block
-    entries(new%slot)%database = database
-    entries(new%slot)%types = types
+    call hold_database(held, object)
+    entries(held%slot)%block = block
+    entries(held%slot)%database = database
+    entries(held%slot)%types = types
+  end subroutine
+
+  !> Releases what `held` owns, and blanks it.
+  subroutine drop(held)
+    type(ticket), intent(inout) :: held
+    integer(int32) :: ignored
+    if (is_open(held)) then
+      if (entries(held%slot)%owner == place_of(held)) call release(held, ignored)
+    end if
+    held = ticket()
+  end subroutine
+
+  !> Makes `held` look on at what another variable holds, in place of what it held.
+  subroutine look_on(held, other)
+    type(ticket), intent(inout) :: held
+    type(ticket), intent(in) :: other
+    if (held%serial == other%serial) return
+    call drop(held)
+    held = other
+  end subroutine
+
+  integer(c_intptr_t) function place_of(held)
+    type(ticket), intent(in), target :: held
+    place_of = transfer(c_loc(held%slot), place_of)
   end function
 
   function free_slot() result(slot)
@@ -70,10 +98,11 @@ contains
     call move_alloc(more, entries)
   end function
 
+  ! A compiler may finalise a variable that was never given a value, so any number may come.
   pure logical function is_open(held)
     type(ticket), intent(in) :: held
     is_open = .false.
-    if (held%slot == 0 .or. .not. allocated(entries)) return
+    if (held%slot < 1 .or. held%serial < 1 .or. .not. allocated(entries)) return
     if (held%slot <= size(entries)) is_open = entries(held%slot)%serial == held%serial
   end function
 
@@ -114,25 +143,8 @@ contains
     entries(held%slot)%deletions = entries(held%slot)%deletions + 1
   end subroutine
 
-  !> One more variable holds the ticket.
-  subroutine share(held)
-    type(ticket), intent(in) :: held
-    if (is_open(held)) entries(held%slot)%shares = entries(held%slot)%shares + 1
-  end subroutine
-
-  !> One variable less holds it; the last one releases the object. The ticket is blank afterwards.
-  subroutine drop(held)
-    type(ticket), intent(inout) :: held
-    integer(int32) :: ignored
-    if (is_open(held)) then
-      entries(held%slot)%shares = entries(held%slot)%shares - 1
-      if (entries(held%slot)%shares <= 0) call release(held, ignored)
-    end if
-    held = ticket()
-  end subroutine
-
-  !> Releases an object now, and the records of a database before it. What refuses to close stays
-  !> open.
+  !> Releases an object now, whoever owns it, and the records of a database before it. What refuses
+  !> to close stays open.
   subroutine release(held, code)
     type(ticket), intent(in) :: held
     integer(int32), intent(out) :: code
@@ -154,7 +166,7 @@ contains
     if (number_in_use == 0) deallocate (entries)
   end subroutine
 
-  !> Releases the records of a database, or of one block of it.
+  !> Releases the records of an open database, or of one block of it.
   subroutine release_records(database, block)
     type(ticket), intent(in) :: database
     type(c_ptr), intent(in), optional :: block
@@ -169,12 +181,6 @@ contains
     end do
   end subroutine
 
-  subroutine release_records_of_block(database, block)
-    type(ticket), intent(in) :: database
-    type(c_ptr), intent(in) :: block
-    if (is_open(database)) call release_records(database, block)
-  end subroutine
-
   pure logical function has_records(database)
     type(ticket), intent(in) :: database
     integer :: slot
@@ -187,7 +193,6 @@ contains
   pure logical function belongs(record, database)
     type(entry), intent(in) :: record
     type(ticket), intent(in) :: database
-    belongs = record%serial /= 0 .and. record%database%slot == database%slot &
-              .and. record%database%serial == database%serial
+    belongs = record%serial /= 0 .and. record%database%serial == database%serial
   end function
 end module

@@ -4,18 +4,18 @@ module qelta_records
   use, intrinsic :: iso_fortran_env, only: int32, int64, real32, real64
   use qelta_bindings
   use qelta_failures, only: conclude, fail, for_c, number_text
-  use qelta_handles, only: block_of, drop, field_count_of, field_type_of, is_open, object_of, &
-    register_record, release, share, ticket
+  use qelta_handles, only: block_of, drop, field_count_of, field_type_of, hold_record, is_open, &
+    look_on, object_of, release, ticket
   use qelta_kinds
   implicit none
   private
   public :: qelta_record, adopt_record, cursor_of, type_name
 
-  !> A cursor made by `create_record` of a block: the fields of one record, counted from 1, which
-  !> `get_record` of the block fills and `set_record` stores. Variables that were assigned from one
-  !> another share the cursor; it is given back when the last one goes, on `release`, and when its
-  !> block is deleted or its database closed, after which it fails. Where a field's type does not
-  !> fit, get and set fail.
+  !> A cursor: the fields of one record, counted from 1, which `get_record` of a block fills and
+  !> `set_record` stores. The variable that `create_record` filled owns the cursor: it is given back
+  !> when that variable ends or is given another value, on `release` of any, and when its block is
+  !> deleted or its database closed, after which it fails. Variables assigned from the owner look
+  !> on. Where a field's type does not fit, get and set fail.
   type :: qelta_record
     private
     type(ticket) :: cursor
@@ -55,8 +55,7 @@ contains
     type(c_ptr), intent(in) :: cursor, block
     type(ticket), intent(in) :: database
     integer(int32), intent(in) :: types(:)
-    call drop(record%cursor)
-    record%cursor = register_record(cursor, block, database, types)
+    call hold_record(record%cursor, cursor, block, database, types)
   end subroutine
 
   !> The cursor, when it is open and of the given block.
@@ -152,10 +151,12 @@ contains
     logical, intent(inout) :: value
     integer(int32), intent(out), optional :: status
     character(*), intent(inout), optional :: message
-    integer(int32) :: number
-    number = merge(1, 0, value)
-    call self%get_integer(field, number, status, message)
-    value = number /= 0
+    type(c_ptr) :: cursor
+    integer(int32) :: number, code
+    if (.not. field_cursor(self, field, integer_types, cursor, status, message)) return
+    call DataRecord_GetInteger_F(cursor, field, number, code)
+    if (code == qelta_ok) value = number /= 0
+    call conclude(code, status, message)
   end subroutine
 
   subroutine set_logical(self, field, value, status, message)
@@ -411,11 +412,7 @@ contains
   impure elemental subroutine assign_record(self, other)
     class(qelta_record), intent(inout) :: self
     type(qelta_record), intent(in) :: other
-    type(ticket) :: held
-    held = other%cursor
-    call share(held)
-    call drop(self%cursor)
-    self%cursor = held
+    call look_on(self%cursor, other%cursor)
   end subroutine
 
   impure elemental subroutine finalise_record(self)

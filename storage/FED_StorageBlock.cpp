@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "FED_Failure.h"
-#include "OnfFormatStringTool.h"
 
 namespace {
 
@@ -22,11 +21,8 @@ FED_StorageBlock::FED_StorageBlock(const FED_DataDescriptor& descriptor, const s
 }
 
 void FED_StorageBlock::LayOut() {
-  std::size_t offset = 0;
-  for (const BlockDataType type : GetDataTypes()) {
-    const auto size = static_cast<std::size_t>(OnfFormatStringTool::GetFieldSize(type));
-    m_Places.push_back({offset, size});
-    offset += size;
+  for (std::size_t field = 1; field <= GetDataTypes().size(); ++field) {
+    m_Places.push_back(QeltaBulkAccess::PlaceOf(*this, field));
   }
   m_IntegerField = FirstOf({BLOCK_DATA_INTEGER, BLOCK_DATA_INDEX});
   m_ScalarField = FirstOf({BLOCK_DATA_DOUBLE, BLOCK_DATA_TIME});
@@ -47,21 +43,9 @@ std::size_t FED_StorageBlock::Require(std::size_t field, const char* kind) const
                      GetDescriptor().ToString().c_str(), kind, GetFormat().c_str());
 }
 
-const FED_StorageBlock::FieldPlace& FED_StorageBlock::PlaceOf(std::size_t field) const {
-  if (1 <= field && field <= m_Places.size()) return m_Places[field - 1];
-  FED_Failure::Throw("200000000002", kLocation, "Block %s has no field %Iu: it has %Iu fields.",
-                     GetDescriptor().ToString().c_str(), static_cast<std::uint64_t>(field),
-                     static_cast<std::uint64_t>(m_Places.size()));
-}
-
-void FED_StorageBlock::RequireRange(std::size_t first, std::size_t count) const {
-  // No sums here: they could pass the end of std::size_t.
-  if (count == 0 || (first <= kMaxIndex && count - 1 <= kMaxIndex - first)) return;
-  FED_Failure::Throw(
-      "200000000003", kLocation,
-      "Record index %Iu (%Iu records from there) of block %s is beyond the highest index %Iu.",
-      static_cast<std::uint64_t>(first), static_cast<std::uint64_t>(count),
-      GetDescriptor().ToString().c_str(), static_cast<std::uint64_t>(kMaxIndex));
+FED_StorageBlock::FieldPlace FED_StorageBlock::PlaceOf(std::size_t field) const {
+  const bool isKnown = 1 <= field && field <= m_Places.size();
+  return isKnown ? m_Places[field - 1] : QeltaBulkAccess::PlaceOf(*this, field);
 }
 
 void FED_StorageBlock::FailAbsent(std::size_t index) const {

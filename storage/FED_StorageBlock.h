@@ -9,14 +9,13 @@
 
 #include "FED_DataBlock.h"
 #include "FED_RecordRuns.h"
+#include "QeltaBulkAccess.h"
 #include "QeltaStorageExport.h"
 
 /// What the blocks of all storage modules have in common: everything that follows from runs and
 /// columns of records, and the checks with their messages.
 class QELTA_STORAGE_EXPORT FED_StorageBlock : public FED_DataBlock, public FED_RecordRuns {
  public:
-  static constexpr std::size_t kMaxIndex = 0x7fffffff;
-
   using FED_DataBlock::GetVector;
 
   FED_IntSetIntvl<int> GetRecordIndices() const override;
@@ -38,16 +37,14 @@ class QELTA_STORAGE_EXPORT FED_StorageBlock : public FED_DataBlock, public FED_R
   explicit FED_StorageBlock(const FED_DataDescriptor& descriptor);
   FED_StorageBlock(const FED_DataDescriptor& descriptor, const std::string& format);
 
-  /// Bytes from the start of a record to field i, counted from 1, and the bytes of the field.
-  struct FieldPlace {
-    std::size_t offset;
-    std::size_t size;
-  };
-  /// Fails when the block has no such field.
-  const FieldPlace& PlaceOf(std::size_t field) const;
+  using FieldPlace = QeltaBulkAccess::FieldPlace;
 
-  /// Fails when `count` indices from `first` on reach beyond the highest record index.
-  void RequireRange(std::size_t first, std::size_t count) const;
+  /// Fails when the block has no such field.
+  FieldPlace PlaceOf(std::size_t field) const;
+
+  void RequireRange(std::size_t first, std::size_t count) const {
+    QeltaBulkAccess::RequireRange(*this, first, count);
+  }
   [[noreturn]] void FailAbsent(std::size_t index) const;
   [[noreturn]] void FailHandle(std::uint64_t handle, const char* kind) const;
 

@@ -25,7 +25,7 @@
 /// the records; a record holds the handle that the block gave out for them, a number below 2^31.
 ///
 /// This class is abstract. A storage module derives from it and supplies how records, lists and
-/// strings are kept; the class comment of each virtual operation says what callers rely on. The
+/// strings are kept; the comment of each virtual operation says what callers rely on. The
 /// order of the virtual operations is part of the interface.
 ///
 /// Blocks are made by their database, which registers them in its block set; the set owns and

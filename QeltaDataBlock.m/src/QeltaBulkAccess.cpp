@@ -10,16 +10,15 @@
 
 namespace {
 
-struct FieldPlace {
-  std::size_t offset;
-  std::size_t size;
-};
+constexpr const char* kLocation = "|%P|QeltaDataBlock|QeltaBulkAccess";
 
-FieldPlace PlaceOf(const FED_DataBlock& block, std::size_t field) {
+}  // namespace
+
+QeltaBulkAccess::FieldPlace QeltaBulkAccess::PlaceOf(const FED_DataBlock& block,
+                                                     std::size_t field) {
   const std::vector<BlockDataType>& types = block.GetDataTypes();
   if (field < 1 || field > types.size()) {
-    FED_Failure::Throw("130000000001", "|%P|QeltaDataBlock|QeltaBulkAccess",
-                       "Block %s has no field %Iu: it has %Iu fields.",
+    FED_Failure::Throw("130000000001", kLocation, "Block %s has no field %Iu: it has %Iu fields.",
                        block.GetDescriptor().ToString().c_str(), static_cast<std::uint64_t>(field),
                        static_cast<std::uint64_t>(types.size()));
   }
@@ -31,7 +30,16 @@ FieldPlace PlaceOf(const FED_DataBlock& block, std::size_t field) {
   return place;
 }
 
-}  // namespace
+void QeltaBulkAccess::RequireRange(const FED_DataBlock& block, std::size_t first,
+                                   std::size_t count) {
+  // No sums here: they could pass the end of std::size_t.
+  if (count == 0 || (first <= MAX_INDEX && count - 1 <= MAX_INDEX - first)) return;
+  FED_Failure::Throw(
+      "130000000002", kLocation,
+      "Record index %Iu (%Iu records from there) of block %s is beyond the highest index %Iu.",
+      static_cast<std::uint64_t>(first), static_cast<std::uint64_t>(count),
+      block.GetDescriptor().ToString().c_str(), static_cast<std::uint64_t>(MAX_INDEX));
+}
 
 void QeltaBulkAccess::ReadRun(const FED_DataBlock& block, std::size_t first, std::size_t count,
                               void* records) {
@@ -39,6 +47,7 @@ void QeltaBulkAccess::ReadRun(const FED_DataBlock& block, std::size_t first, std
     runs->ReadRun(first, count, records);
     return;
   }
+  RequireRange(block, first, count);
   auto* out = static_cast<unsigned char*>(records);
   const qelta::RecordReader cursor(block);
   for (std::size_t i = 0; i < count; ++i, out += block.GetRecordSize()) {
@@ -53,6 +62,7 @@ void QeltaBulkAccess::WriteRun(FED_DataBlock& block, std::size_t first, std::siz
     runs->WriteRun(first, count, records);
     return;
   }
+  RequireRange(block, first, count);
   const auto* in = static_cast<const unsigned char*>(records);
   const qelta::RecordWriter cursor(block);
   for (std::size_t i = 0; i < count; ++i, in += block.GetRecordSize()) {
@@ -68,6 +78,7 @@ void QeltaBulkAccess::ReadColumn(const FED_DataBlock& block, std::size_t field, 
     return;
   }
   const FieldPlace place = PlaceOf(block, field);
+  RequireRange(block, first, count);
   auto* out = static_cast<unsigned char*>(values);
   const qelta::RecordReader cursor(block);
   for (std::size_t i = 0; i < count; ++i, out += place.size) {
@@ -83,6 +94,7 @@ void QeltaBulkAccess::WriteColumn(FED_DataBlock& block, std::size_t field, std::
     return;
   }
   const FieldPlace place = PlaceOf(block, field);
+  RequireRange(block, first, count);
   const auto* in = static_cast<const unsigned char*>(values);
   const qelta::RecordWriter cursor(block);
   for (std::size_t i = 0; i < count; ++i, in += place.size) {

@@ -113,7 +113,7 @@ bool FED_DataDescriptor::operator<(const FED_DataDescriptor& other) const {
   ++s_ComparisonCounter;
   if (m_Mask != other.m_Mask) return m_Mask < other.m_Mask;
   // Walking the set bits beats both a loop over all fields and vector instructions.
-  for (std::uint32_t rest = m_Mask; rest != 0; rest &= rest - 1) {
+  for (std::uint32_t rest = SpecifiedBits(); rest != 0; rest &= rest - 1) {
     const int i = __builtin_ctz(rest);
     if (m_Slots[i] != other.m_Slots[i]) return m_Slots[i] < other.m_Slots[i];
   }
@@ -131,7 +131,7 @@ bool FED_DataDescriptor::operator!=(const FED_DataDescriptor& other) const {
 bool FED_DataDescriptor::EqualTo(const FED_DataDescriptor& other) const {
   if (this == &other) return true;
   if (m_Mask != other.m_Mask) return false;
-  for (std::uint32_t rest = m_Mask; rest != 0; rest &= rest - 1) {
+  for (std::uint32_t rest = SpecifiedBits(); rest != 0; rest &= rest - 1) {
     const int i = __builtin_ctz(rest);
     if (m_Slots[i] != other.m_Slots[i]) return false;
   }

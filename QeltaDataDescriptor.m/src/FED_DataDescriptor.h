@@ -129,6 +129,9 @@ class QELTA_EXPORT FED_DataDescriptor {
 
   static std::uint32_t Bit(ResultIndex i) { return std::uint32_t{1} << static_cast<unsigned>(i); }
 
+  // Programs in Fortran write the mask themselves; what lies beyond the fields counts for nothing.
+  std::uint32_t SpecifiedBits() const { return m_Mask & ((std::uint32_t{1} << FIELD_COUNT) - 1); }
+
   void SetSlot(ResultIndex i, std::int32_t value) {
     m_Slots[i] = value;
     m_Mask |= Bit(i);

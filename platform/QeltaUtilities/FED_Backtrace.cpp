@@ -86,8 +86,9 @@ std::string ProgramPath() {
 
 Module FromLinkMap(const link_map& map) {
   // The loader gives the program itself no name.
-  static const std::string s_ProgramPath = ProgramPath();
-  return {map.l_addr, map.l_name[0] != '\0' ? std::string(map.l_name) : s_ProgramPath};
+  // Never destroyed: static objects may fail on their way out.
+  static const std::string* const s_ProgramPath = new std::string(ProgramPath());
+  return {map.l_addr, map.l_name[0] != '\0' ? std::string(map.l_name) : *s_ProgramPath};
 }
 
 // The module of a frame on the own stack cannot be unloaded meanwhile.

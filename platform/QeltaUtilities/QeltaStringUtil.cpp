@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstring>
 #include <system_error>
+#include <utility>
 
 namespace {
 
@@ -17,6 +18,35 @@ FedStatusCode StatusOf(std::errc error) {
 // from_chars knows the minus sign only.
 std::size_t PlusSignLength(const std::string& number) {
   return number.size() > 1 && number[0] == '+' && number[1] != '-' ? 1 : 0;
+}
+
+constexpr char32_t kNoCharacter = 0xFFFFFFFF;
+
+// The character at `next`, which moves behind it.
+char32_t TakeUtf8(const char*& next, const char* end) {
+  const unsigned lead = static_cast<unsigned char>(*next++);
+  if (lead < 0x80) return lead;
+  const int following = lead < 0xC2 ? 0 : lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : lead < 0xF5 ? 3 : 0;
+  if (following == 0 || end - next < following) return kNoCharacter;
+  char32_t character = lead & (0x3FU >> following);
+  for (int i = 0; i < following; ++i) {
+    const unsigned byte = static_cast<unsigned char>(*next++);
+    if ((byte & 0xC0U) != 0x80) return kNoCharacter;
+    character = (character << 6) | (byte & 0x3FU);
+  }
+  constexpr char32_t lowest[] = {0, 0x80, 0x800, 0x10000};
+  const bool isSurrogate = character >= 0xD800 && character < 0xE000;
+  const bool fits = character >= lowest[following] && character <= 0x10FFFF && !isSurrogate;
+  return fits ? character : kNoCharacter;
+}
+
+void AppendWide(std::wstring& wide, char32_t character) {
+  if (sizeof(wchar_t) == 2 && character > 0xFFFF) {
+    wide += static_cast<wchar_t>(0xD800 + ((character - 0x10000) >> 10));
+    wide += static_cast<wchar_t>(0xDC00 + (character & 0x3FF));
+  } else {
+    wide += static_cast<wchar_t>(character);
+  }
 }
 
 }  // namespace
@@ -39,6 +69,18 @@ FedStatusCode QeltaStringUtil::ToInt(const std::string& text, int& number) {
   if (stop != end) return STATUS_NO_NUMBER;
   if (error == std::errc()) number = parsed;
   return StatusOf(error);
+}
+
+bool QeltaStringUtil::ToWide(const std::string& utf8, std::wstring& wide) {
+  std::wstring result;
+  const char* const end = utf8.data() + utf8.size();
+  for (const char* next = utf8.data(); next != end;) {
+    const char32_t character = TakeUtf8(next, end);
+    if (character == kNoCharacter) return false;
+    AppendWide(result, character);
+  }
+  wide = std::move(result);
+  return true;
 }
 
 std::string QeltaStringUtil::Trim(const std::string& text) {

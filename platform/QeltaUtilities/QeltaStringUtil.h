@@ -22,6 +22,10 @@ class QELTA_EXPORT QeltaStringUtil {
   /// for it; `number` is then untouched.
   static FedStatusCode ToInt(const std::string& text, int& number);
 
+  /// The wide characters of a UTF-8 text. False, and `wide` untouched, when it is not UTF-8: cut
+  /// characters, surrogates and characters in more bytes than they need are not.
+  static bool ToWide(const std::string& utf8, std::wstring& wide);
+
   /// `text` without the blanks at both ends.
   static std::string Trim(const std::string& text);
 };

@@ -7,9 +7,22 @@ FED_MemoryDatabase::FED_MemoryDatabase() = default;
 
 FED_MemoryDatabase::~FED_MemoryDatabase() { m_BlockSet.Clear(); }
 
-FED_MemoryDatabase::FED_MemoryDatabase(const FED_MemoryDatabase& other) = default;
+FED_MemoryDatabase::FED_MemoryDatabase(const FED_MemoryDatabase& other)
+    : FED_StorageDatabase(other), m_Store(other.m_Store) {
+  ExpectForeignBlocks();
+}
 
-FED_MemoryDatabase& FED_MemoryDatabase::operator=(const FED_MemoryDatabase& other) = default;
+FED_MemoryDatabase& FED_MemoryDatabase::operator=(const FED_MemoryDatabase& other) {
+  FED_StorageDatabase::operator=(other);
+  m_Store = other.m_Store;
+  ExpectForeignBlocks();
+  return *this;
+}
+
+// From now on the store may hold blocks that this database's block set has not seen.
+void FED_MemoryDatabase::ExpectForeignBlocks() {
+  if (m_Store != nullptr) ++m_Store->flushes;
+}
 
 void FED_MemoryDatabase::OpenDb(FED_DatabaseDefs::AccessMode mode, std::uint64_t,
                                 const std::wstring&, const FED_IdMapsPool& pool) {
@@ -24,12 +37,12 @@ void FED_MemoryDatabase::CloseDb() {
   m_Store.reset();
 }
 
-template <class... Format>
 FED_DataBlock& FED_MemoryDatabase::Create(const FED_DataDescriptor& descriptor, int properties,
-                                          const Format&... format) {
+                                          const std::string* format) {
   RequireCreatable(descriptor);
   const FED_DataDescriptor key = descriptor.Duplicate();
-  auto* const block = new FED_MemoryDataBlock(key, format..., m_Store);
+  auto* const block = format == nullptr ? new FED_MemoryDataBlock(key, m_Store)
+                                        : new FED_MemoryDataBlock(key, *format, m_Store);
   block->ChangeProperties(properties);
   m_BlockSet.StoreDataBlockInstance(descriptor, block);
   try {
@@ -44,12 +57,12 @@ FED_DataBlock& FED_MemoryDatabase::Create(const FED_DataDescriptor& descriptor, 
 FED_DataBlock& FED_MemoryDatabase::CreateDataBlock(const FED_DataDescriptor& descriptor,
                                                    int properties, std::int64_t,
                                                    const std::string& format) {
-  return Create(descriptor, properties, format);
+  return Create(descriptor, properties, &format);
 }
 
 FED_DataBlock& FED_MemoryDatabase::CreateDataBlock(const FED_DataDescriptor& descriptor,
                                                    std::size_t) {
-  return Create(descriptor, 0);
+  return Create(descriptor, 0, nullptr);
 }
 
 FED_DataBlock* FED_MemoryDatabase::MakeStoredBlock(const FED_DataDescriptor& primary) {

@@ -12,7 +12,9 @@ struct MemoryStore;
 /// A database in memory; its content goes with `CloseDb` or with the last copy of it.
 ///
 /// Default-constructed, then `InitDb` once; name and cache size mean nothing here, and a database
-/// opened `READ_ONLY` stays empty. A copy shares everything, content and open blocks.
+/// opened `READ_ONLY` stays empty. A copy shares content and open blocks; a block that one of them
+/// creates or deletes later is there or gone for all, but patterns see a new one only in the
+/// database that created it or was asked for it by its descriptor.
 class QELTA_MEMORY_STORAGE_EXPORT FED_MemoryDatabase : public FED_StorageDatabase {
  public:
   FED_MemoryDatabase();
@@ -37,9 +39,10 @@ class QELTA_MEMORY_STORAGE_EXPORT FED_MemoryDatabase : public FED_StorageDatabas
   std::uint64_t GetClosings() const override;
 
  private:
-  template <class... Format>
+  void ExpectForeignBlocks();
+  /// `format` is null for a block of a catalogued kind.
   FED_DataBlock& Create(const FED_DataDescriptor& descriptor, int properties,
-                        const Format&... format);
+                        const std::string* format);
 
   std::shared_ptr<qelta::MemoryStore> m_Store;
 };

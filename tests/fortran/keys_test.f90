@@ -57,7 +57,7 @@ contains
     integer :: status, value, i
     integer, parameter :: bad(4) = [-1, 14, -huge(1) - 1, huge(1)]
     value = 42
-    text = 'kept'
+    allocate (text, source='kept')
     do i = 1, size(bad)
       call key%set(bad(i), 1, status, message)
       call check_failure(status, message, 'fields 0 to 13')

@@ -16,9 +16,9 @@ program ownership_test
   do i = 1, 3
     call test_scope_end()
     call test_scope_end_the_other_way_round()
-    call test_shared_database()
-    call test_shared_record()
-    call test_nested_and_allocated_handles()
+    call test_copied_database()
+    call test_copied_record()
+    call test_handles_inside_other_types()
     call test_sourced_copies()
   end do
   call test_open_failures()
@@ -66,31 +66,36 @@ contains
     call check(db%is_open(), 'the database is open until the end')
   end subroutine
 
-  subroutine test_shared_database()
+  subroutine test_copied_database()
     type(qelta_database) :: db, copy
     type(qelta_block) :: block
-    call hold_for_a_while(copy, block)
-    call check(copy%is_open(), 'a copy keeps the database open')
-    call check(alive(block), 'and its blocks')
-    db = copy
-    db = db
+    call open_for_a_while(copy, block)
+    call check(.not. copy%is_open(), 'a copy does not outlive the owner')
+    call check(.not. alive(block), 'nor does a block')
+    call fill(db, block)
     copy = db
+    db = db
+    db = copy
     call check(alive(block), 'assignments in circles')
+    copy = qelta_database()
+    call check(alive(block), 'a copy goes and closes nothing')
+    copy = db
+    call copy%close()
     call db%close()
-    call db%close()
-    call check(.not. copy%is_open(), 'closing any closes it')
+    call check(.not. db%is_open(), 'closing any closes it')
     call check(.not. alive(block), 'and its blocks')
   end subroutine
 
-  subroutine hold_for_a_while(copy, block)
+  subroutine open_for_a_while(copy, block)
     type(qelta_database), intent(inout) :: copy
     type(qelta_block), intent(inout) :: block
     type(qelta_database) :: db
     call fill(db, block)
     copy = db
+    call check(alive(block), 'open for a while')
   end subroutine
 
-  subroutine test_shared_record()
+  subroutine test_copied_record()
     type(qelta_database) :: db
     type(qelta_block) :: block
     type(qelta_record) :: one, two, none
@@ -101,17 +106,24 @@ contains
     two = one
     call one%set(1, 5.0_real64)
     call two%get(1, value)
-    call check(nint(value) == 5, 'copies share the cursor')
-    one = none
-    call two%get(1, value, status)
-    call check(status == qelta_ok .and. .not. one%is_open(), 'the other one keeps it')
-    one = two
+    call check(nint(value) == 5, 'copies look on at the cursor')
+    two = none
+    call one%get(1, value, status)
+    call check(status == qelta_ok .and. .not. two%is_open(), 'the owner keeps it')
+    two = one
     call two%release()
     call one%get(1, value, status)
     call check(status /= qelta_ok, 'released is released')
+    call block%create_record(one)
+    two = one
+    one = none
+    call two%get(1, value, status)
+    call check(status /= qelta_ok, 'an owner with another value released it')
   end subroutine
 
-  subroutine test_nested_and_allocated_handles()
+  ! A copy of a type with handles inside goes through temporaries, which some compilers finalise
+  ! although they are copies, or have no value at all.
+  subroutine test_handles_inside_other_types()
     type(model), allocatable :: models(:)
     type(model) :: copy
     type(qelta_record), allocatable :: records(:)
@@ -125,12 +137,22 @@ contains
     do k = 1, 10
       call models(2)%blocks(1)%create_record(records(k))
     end do
+    call copy_model(copy, models(2))
     copy = models(2)
+    call check(all([(models(k)%db%is_open(), k=1, 3)]), 'the databases stay open')
+    call check(all([(records(k)%is_open(), k=1, 10)]), 'and the records')
+    call check(copy%db%is_open() .and. copy%record%is_open(), 'a copied component looks on')
+    call check(alive(copy%blocks(1)), 'a copied block')
     deallocate (models)
-    call check(copy%db%is_open() .and. copy%record%is_open(), 'a copied component keeps it')
-    call check(records(10)%is_open(), 'a record of the kept database')
-    call check(alive(copy%blocks(1)), 'a block of the kept database')
+    call check(.not. (copy%db%is_open() .or. copy%record%is_open()), 'the owners are gone')
+    call check(.not. any([(records(k)%is_open(), k=1, 10)]), 'and all records')
     deallocate (records)
+  end subroutine
+
+  subroutine copy_model(copy, original)
+    type(model), intent(inout) :: copy
+    type(model), intent(in) :: original
+    copy = original
   end subroutine
 
   subroutine test_sourced_copies()
@@ -144,11 +166,9 @@ contains
     allocate (copy, source=db)
     allocate (records(2), source=[record, record])
     call move_alloc(copy, moved)
+    call check(moved%is_open() .and. records(2)%is_open(), 'sourced copies look on')
     deallocate (moved, records)
-    ! Whether such a copy counts is the compiler's choice; nothing may be released twice.
-    call record%release()
-    call db%close()
-    call check(.not. db%is_open(), 'closed')
+    call check(db%is_open() .and. record%is_open(), 'and go without a trace')
   end subroutine
 
   subroutine test_open_failures()
@@ -209,11 +229,9 @@ contains
     call fill(db, first)
     other = db
     call fill(db, second)
-    call check(alive(first), 'the first one is kept by the copy')
+    call check(.not. alive(first), 'the first one is closed')
+    call check(.not. other%is_open(), 'for all')
     call check(alive(second), 'the second one is open')
-    other = db
-    call check(.not. alive(first), 'and goes with it')
-    call check(alive(second), 'the second one stays')
   end subroutine
 
   subroutine test_deletion_under_records()

@@ -244,7 +244,7 @@ contains
     call record%get(1, text)
     call record%get_list(2, list)
     call record%get_list(4, doubles)
-    call check(len(text) == 0 .and. size(list) == 0 .and. size(doubles) == 0, 'fresh ones are empty')
+    call check(len(text) + size(list) + size(doubles) == 0, 'fresh ones are empty')
     long = repeat('0123456789 ', 1000)
     call record%set(1, long)
     call record%set_list(2, [5, 3, 3])

@@ -104,6 +104,31 @@ TEST(StringUtilTest, TrimsBlanksOnly) {
   EXPECT_EQ(QeltaStringUtil::Trim(" \n"), "");
 }
 
+TEST(StringUtilTest, WidensUtf8InAnyLocale) {
+  const std::pair<const char*, std::wstring> good[] = {
+      {"", L""},
+      {"plain\x7F", L"plain\x7F"},
+      {"\xC2\x80\xDF\xBF", L"\u0080\u07FF"},
+      {"\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF", L"\u0800\uD7FF\uE000\uFFFF"},
+      {"\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", L"\U00010000\U0010FFFF"},
+  };
+  for (const auto& [text, expected] : good) {
+    std::wstring wide = L"former";
+    EXPECT_TRUE(QeltaStringUtil::ToWide(text, wide)) << text;
+    EXPECT_EQ(wide, expected) << text;
+  }
+  const char* const bad[] = {
+      "\x80",         "a\xFF",        "\xC0\x80",         "\xC1\xBF",         "\xC3",
+      "\xC3\xC3",     "\xE0\x9F\xBF", "\xED\xA0\x80",     "\xE2\x82",         "\xE2\x82z",
+      "\xF0\x8F\xBF", "\xF0\x9F\x9A", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xF0\x8F\xBF\xBF",
+  };
+  for (const char* const text : bad) {
+    std::wstring wide = L"former";
+    EXPECT_FALSE(QeltaStringUtil::ToWide(text, wide)) << text;
+    EXPECT_EQ(wide, L"former");
+  }
+}
+
 void SetVariable(const char* name, const char* value) {
 #if defined(_WIN32)
   _putenv_s(name, value);
