@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -41,6 +42,12 @@ class QELTA_EXPORT FED_DataBlock {
   /// index, so a sparse block costs its span.
   class QELTA_EXPORT IndexIterator {
    public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = std::size_t;
+    using difference_type = std::ptrdiff_t;
+    using pointer = void;
+    using reference = std::size_t;
+
     IndexIterator& operator++();
     std::size_t operator*() const { return static_cast<std::size_t>(m_Index); }
 
