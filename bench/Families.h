@@ -8,6 +8,8 @@ void AddLookup(Suite& suite);
 void AddPattern(Suite& suite);
 void AddRecords(Suite& suite);
 void AddFieldData(Suite& suite);
+void AddIdMaps(Suite& suite);
+void AddEntryPoints(Suite& suite);
 void AddFrd(Suite& suite);
 
 }  // namespace qelta::bench

@@ -35,6 +35,8 @@ int main(int argc, char** argv) {
   qelta::bench::AddPattern(suite);
   qelta::bench::AddRecords(suite);
   qelta::bench::AddFieldData(suite);
+  qelta::bench::AddIdMaps(suite);
+  qelta::bench::AddEntryPoints(suite);
   qelta::bench::AddFrd(suite);
   qelta::bench::RatioReporter reporter(suite);
   return benchmark::RunSpecifiedBenchmarks(&reporter) > 0 ? 0 : 1;

@@ -6,8 +6,9 @@ if(CMAKE_Fortran_COMPILER_ID STREQUAL GNU)
     $<$<AND:$<COMPILE_LANGUAGE:Fortran>,$<BOOL:${QELTA_WARNINGS_AS_ERRORS}>>:-Werror>)
 endif()
 
-set(sources qelta_kinds.f90 qelta_bindings.f90 qelta_failures.f90 qelta_handles.f90 qelta_keys.f90
-            qelta_records.f90 qelta_blocks.f90 qelta_databases.f90 qelta.f90)
+set(sources qelta_kinds.f90 qelta_bindings.f90 qelta_id_bindings.f90 qelta_failures.f90
+            qelta_handles.f90 qelta_fields.f90 qelta_keys.f90 qelta_records.f90 qelta_blocks.f90
+            qelta_id_records.f90 qelta_id_views.f90 qelta_databases.f90 qelta.f90)
 set(modules ${CMAKE_CURRENT_BINARY_DIR}/modules)
 add_library(QeltaFortranModule ${QELTA_LIBRARY_TYPE} ${sources})
 set_target_properties(QeltaFortranModule PROPERTIES

@@ -74,8 +74,7 @@ QELTA_FORTRAN_EXPORT void Database_CreateAlias_F(FED_Database* database,
 
 /* Reads one field (from 1) of `count` consecutive records from `first` (from 0): int32, float or
  * double values, 3 doubles a vector, 6 a tensor. A field of strings, lists or sets fails, as does a
- * record that is absent: the one failure that may leave output behind, the values of the records
- * before it. */
+ * record that is absent: the one failure after which part of the output may be written. */
 QELTA_FORTRAN_EXPORT void Block_ReadColumn_F(FED_DataBlock* block, const int32_t* field,
                                              const int32_t* first, const int32_t* count,
                                              void* values, int32_t* status) QELTA_ENTRY_NOEXCEPT;

@@ -4,8 +4,8 @@
 
 /* Companion entry points for external ids and names: the id maps of a database, views that read and
  * write records by id and name, and copies between databases that number differently. Conventions
- * as in QeltaFortran_F.h. An id or name that a map does not know fails, unless it is written as the
- * key of a record: then it is registered. */
+ * as in QeltaFortran_F.h. An id or name that a map does not know fails where it is read, and is
+ * registered where it is written, as the key of a record or as a reference. */
 
 #ifdef __cplusplus
 class FED_IdDataBlock;
@@ -62,9 +62,9 @@ QELTA_FORTRAN_EXPORT void Database_MaxIndexOfIds_F(FED_Database* database, const
                                                    int32_t* status) QELTA_ENTRY_NOEXCEPT;
 
 /* Copies the blocks that the pattern selects from one database to another, which may number
- * differently: records and references travel by id and name. Blocks without records are copied when
- * `*copyEmpty` is not 0. `copied` is the number of blocks; after a failure, what was copied stays.
- */
+ * differently: records travel by id, or by name where their id type has names; references by id;
+ * custom blocks index for index. Blocks without records are copied when `*copyEmpty` is not 0.
+ * `copied` is the number of blocks; after a failure, what was copied stays. */
 QELTA_FORTRAN_EXPORT void Database_CopyBlocks_F(FED_Database* source, FED_Database* target,
                                                 const FED_DataDescriptorPattern* pattern,
                                                 const int32_t* copyEmpty, int64_t* copied,

@@ -4,13 +4,14 @@ module qelta_blocks
   use, intrinsic :: iso_fortran_env, only: int32, real32, real64
   use qelta_bindings
   use qelta_failures, only: conclude, fail, number_text
+  use qelta_fields, only: get_field_types, is_vector_or_tensor, type_name
   use qelta_handles, only: deletions_of, is_open, object_of, ticket
   use qelta_keys, only: qelta_descriptor
   use qelta_kinds
-  use qelta_records, only: adopt_record, cursor_of, qelta_record, type_name
+  use qelta_records, only: adopt_record, cursor_of, qelta_record
   implicit none
   private
-  public :: qelta_block, make_block
+  public :: qelta_block, make_block, find_block
 
   !> A block that `fetch_block` of a database gave. A plain value: copies name the same block, and
   !> nothing has to be released. It fails when the block was deleted or the database closed. Record
@@ -64,6 +65,17 @@ contains
     type(qelta_descriptor), intent(in) :: key
     type(qelta_block) :: block
     block = qelta_block(database, address, deletions_of(database), key%layout)
+  end function
+
+  !> The address of the block, when it is still there, and its database.
+  logical function find_block(self, block, database, status, message)
+    class(qelta_block), intent(in) :: self
+    type(c_ptr), intent(out) :: block
+    type(ticket), intent(out) :: database
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    database = self%database
+    find_block = resolve(self, block, status, message)
   end function
 
   !> The address of the block, when it is still there. After a deletion in the database the key is
@@ -245,27 +257,6 @@ contains
       call DataBlock_SetTensor_F(block, index, values, code)
     end if
     call conclude(code, status, message)
-  end subroutine
-
-  logical function is_vector_or_tensor(number_of_values, status, message)
-    integer, intent(in) :: number_of_values
-    integer(int32), intent(out), optional :: status
-    character(*), intent(inout), optional :: message
-    is_vector_or_tensor = number_of_values == 3 .or. number_of_values == 6
-    if (is_vector_or_tensor) return
-    call fail('A vector has 3 values and a tensor 6, not '//number_text(number_of_values)//'.', &
-              status, message)
-  end function
-
-  ! The types of the block's fields.
-  subroutine get_field_types(block, types)
-    type(c_ptr), intent(in) :: block
-    integer(int32), allocatable, intent(out) :: types(:)
-    integer(int32) :: none(1), count, code
-    count = 0
-    call Block_GetFieldTypes_F(block, 0, none, count, code)
-    allocate (types(count))
-    call Block_GetFieldTypes_F(block, count, types, count, code)
   end subroutine
 
   ! The field of a column with values of one of the types: the given one, or the first that fits.

@@ -6,6 +6,7 @@ module qelta_databases
   use qelta_blocks, only: make_block, qelta_block
   use qelta_failures, only: conclude, fail, for_c
   use qelta_handles
+  use qelta_id_bindings
   use qelta_keys, only: qelta_descriptor, qelta_pattern
   use qelta_kinds
   implicit none
@@ -14,8 +15,8 @@ module qelta_databases
 
   !> A database. The variable that opened it owns it: it is closed when that variable ends or is
   !> given another value, or by `close` of any. Variables assigned from the owner look on, and so
-  !> would a function result: it is no owner. Closing does not save, and releases the records of its
-  !> blocks. Variables of a main program never end by themselves: close what they hold.
+  !> would a function result: it is no owner. Closing does not save, and releases the records and id
+  !> views of its blocks. Variables of a main program never end by themselves: close what they hold.
   type :: qelta_database
     private
     type(ticket) :: held
@@ -32,6 +33,17 @@ module qelta_databases
     procedure :: delete_block => database_delete_block
     procedure :: delete_blocks => database_delete_blocks
     procedure :: create_alias => database_create_alias
+    !> External ids and names: the maps between them and record indices, one for each of the
+    !> `id_type_...`. What a map does not know fails.
+    procedure :: add_ids => database_add_ids
+    procedure :: add_name => database_add_name
+    procedure :: index_of_id => database_index_of_id
+    procedure :: id_of_index => database_id_of_index
+    procedure :: index_of_name => database_index_of_name
+    procedure :: name_of_index => database_name_of_index
+    !> The highest index of a map; -1 when it is empty.
+    procedure :: max_id_index => database_max_id_index
+    procedure :: copy_blocks => database_copy_blocks
     generic :: assignment(=) => assign_database
     procedure, private :: assign_database
     final :: finalise_database
@@ -179,7 +191,7 @@ contains
     type(c_ptr) :: database
     integer(int32) :: code
     if (.not. resolve(self, database, status, message)) return
-    if (has_records(self%held)) call release_records_of(self%held, database, key)
+    if (has_children(self%held)) call release_records_of(self%held, database, key)
     call count_deletion(self%held)
     call Database_DeleteBlock_F(database, key%layout, code)
     call conclude(code, status, message)
@@ -195,7 +207,7 @@ contains
     integer(int32) :: code
     integer :: i
     if (.not. resolve(self, database, status, message)) return
-    if (has_records(self%held)) then
+    if (has_children(self%held)) then
       call self%find_blocks(pattern, keys)
       do i = 1, size(keys)
         call release_records_of(self%held, database, keys(i))
@@ -218,7 +230,7 @@ contains
     if (has /= 1) return
     block = c_null_ptr
     call Database_FetchBlock_F(database, key%layout, block, code)
-    if (code == qelta_ok) call release_records(held, block)
+    if (code == qelta_ok) call release_children(held, block)
   end subroutine
 
   !> Makes `alias` a further key of the block of `existing`. When `existing` has no block, `alias`
@@ -240,6 +252,152 @@ contains
     else
       call conclude(code, status, message)
     end if
+  end subroutine
+
+  !> Registers ids at the indices from `first_index` (0) on. What precedes an id that contradicts an
+  !> earlier registration stays.
+  subroutine database_add_ids(self, id_type, ids, first_index, status, message)
+    class(qelta_database), intent(in) :: self
+    integer(int32), intent(in) :: id_type
+    integer(int32), intent(in), contiguous :: ids(:)
+    integer(int32), intent(in), optional :: first_index
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    type(c_ptr) :: database
+    integer(int64) :: first
+    integer(int32) :: code
+    if (.not. resolve(self, database, status, message)) return
+    first = 0
+    if (present(first_index)) first = first_index
+    code = qelta_ok
+    if (size(ids) > 0) then
+      call Database_AddIds_F(database, id_type, first, ids, size(ids, kind=int64), code)
+    end if
+    call conclude(code, status, message)
+  end subroutine
+
+  !> Registers one entity of an id type with names.
+  subroutine database_add_name(self, id_type, index, id, name, status, message)
+    class(qelta_database), intent(in) :: self
+    integer(int32), intent(in) :: id_type, index, id
+    character(*), intent(in) :: name
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    type(c_ptr) :: database
+    integer(int32) :: code
+    if (.not. resolve(self, database, status, message)) return
+    call Database_AddName_F(database, id_type, int(index, int64), id, for_c(trim(name)), code)
+    call conclude(code, status, message)
+  end subroutine
+
+  !> -1 after a failure.
+  integer(int32) function database_index_of_id(self, id_type, id, status, message) result(index)
+    class(qelta_database), intent(in) :: self
+    integer(int32), intent(in) :: id_type, id
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    type(c_ptr) :: database
+    integer(int64) :: found
+    integer(int32) :: code
+    index = -1
+    if (.not. resolve(self, database, status, message)) return
+    found = -1
+    call Database_IndexOfId_F(database, id_type, id, found, code)
+    index = int(found, int32)
+    call conclude(code, status, message)
+  end function
+
+  !> 0 after a failure.
+  integer(int32) function database_id_of_index(self, id_type, index, status, message) result(id)
+    class(qelta_database), intent(in) :: self
+    integer(int32), intent(in) :: id_type, index
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    type(c_ptr) :: database
+    integer(int32) :: code
+    id = 0
+    if (.not. resolve(self, database, status, message)) return
+    call Database_IdOfIndex_F(database, id_type, int(index, int64), id, code)
+    call conclude(code, status, message)
+  end function
+
+  !> -1 after a failure.
+  integer(int32) function database_index_of_name(self, id_type, name, status, message) &
+      result(index)
+    class(qelta_database), intent(in) :: self
+    integer(int32), intent(in) :: id_type
+    character(*), intent(in) :: name
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    type(c_ptr) :: database
+    integer(int64) :: found
+    integer(int32) :: code
+    index = -1
+    if (.not. resolve(self, database, status, message)) return
+    found = -1
+    call Database_IndexOfName_F(database, id_type, for_c(trim(name)), found, code)
+    index = int(found, int32)
+    call conclude(code, status, message)
+  end function
+
+  !> Empty after a failure.
+  function database_name_of_index(self, id_type, index, status, message) result(name)
+    class(qelta_database), intent(in) :: self
+    integer(int32), intent(in) :: id_type, index
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    character(:), allocatable :: name
+    type(c_ptr) :: database
+    integer(int32) :: length, code
+    name = ''
+    if (.not. resolve(self, database, status, message)) return
+    length = 0
+    call Database_NameLenOfIndex_F(database, id_type, int(index, int64), length, code)
+    name = repeat(' ', length)
+    if (code == qelta_ok) then
+      call Database_NameOfIndex_F(database, id_type, int(index, int64), name, length, code)
+    end if
+    call conclude(code, status, message)
+  end function
+
+  integer(int32) function database_max_id_index(self, id_type, status, message) result(index)
+    class(qelta_database), intent(in) :: self
+    integer(int32), intent(in) :: id_type
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    type(c_ptr) :: database
+    integer(int64) :: highest
+    integer(int32) :: code
+    index = -1
+    if (.not. resolve(self, database, status, message)) return
+    highest = -1
+    call Database_MaxIndexOfIds_F(database, id_type, highest, code)
+    index = int(highest, int32)
+    call conclude(code, status, message)
+  end function
+
+  !> Copies the blocks that the pattern selects into another database, which may number differently:
+  !> records travel by id, or by name where their id type has names; references by id; custom blocks
+  !> index for index. Blocks without records are copied when `copy_empty` (false) is true. `copied`
+  !> is the number of blocks; after a failure what was copied stays.
+  subroutine database_copy_blocks(self, target, pattern, copy_empty, copied, status, message)
+    class(qelta_database), intent(in) :: self
+    type(qelta_database), intent(in) :: target
+    type(qelta_pattern), intent(in) :: pattern
+    logical, intent(in), optional :: copy_empty
+    integer(int32), intent(inout), optional :: copied
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    type(c_ptr) :: source, destination
+    integer(int64) :: number
+    integer(int32) :: empty_too, code
+    if (.not. resolve(self, source, status, message)) return
+    if (.not. resolve(target, destination, status, message)) return
+    empty_too = 0
+    if (present(copy_empty)) empty_too = merge(1, 0, copy_empty)
+    call Database_CopyBlocks_F(source, destination, pattern%layout, empty_too, number, code)
+    if (code == qelta_ok .and. present(copied)) copied = int(number, int32)
+    call conclude(code, status, message)
   end subroutine
 
   impure elemental subroutine assign_database(self, other)

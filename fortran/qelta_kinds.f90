@@ -118,4 +118,12 @@ module qelta_kinds
     integer(c_int64_t) :: capacity = 0
     type(c_ptr) :: data = c_null_ptr
   end type
+
+  !> An array of the library as it lies in memory, 24 bytes; `data` points to 32-bit integers or
+  !> doubles.
+  type, bind(c) :: qelta_array_layout
+    integer(c_int64_t) :: count = 0
+    integer(c_int64_t) :: reserved = 0
+    type(c_ptr) :: data = c_null_ptr
+  end type
 end module

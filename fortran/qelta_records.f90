@@ -3,13 +3,14 @@ module qelta_records
   use, intrinsic :: iso_c_binding, only: c_associated, c_null_ptr, c_ptr
   use, intrinsic :: iso_fortran_env, only: int32, int64, real32, real64
   use qelta_bindings
-  use qelta_failures, only: conclude, fail, for_c, number_text
+  use qelta_failures, only: conclude, fail, for_c
+  use qelta_fields
   use qelta_handles, only: block_of, drop, field_count_of, field_type_of, hold_record, is_open, &
-    look_on, object_of, release, ticket
+    look_on, release, ticket
   use qelta_kinds
   implicit none
   private
-  public :: qelta_record, adopt_record, cursor_of, type_name
+  public :: qelta_record, adopt_record, cursor_of
 
   !> A cursor: the fields of one record, counted from 1, which `get_record` of a block fills and
   !> `set_record` stores. The variable that `create_record` filled owns the cursor: it is given back
@@ -42,11 +43,6 @@ module qelta_records
     final :: finalise_record
   end type
 
-  integer(int32), parameter :: &
-    integer_types(2) = [block_data_integer, block_data_index], &
-    double_types(2) = [block_data_double, block_data_time], &
-    int_list_types(2) = [block_data_int_list, block_data_int_set]
-
 contains
 
   !> Makes `record` the holder of a cursor in place of what it held.
@@ -65,59 +61,13 @@ contains
     type(c_ptr), intent(out) :: cursor
     integer(int32), intent(out), optional :: status
     character(*), intent(inout), optional :: message
-    cursor = c_null_ptr
-    cursor_of = open_cursor(record, cursor, status, message)
+    cursor_of = open_cursor(record%cursor, cursor, status, message)
     if (.not. cursor_of) return
     cursor_of = c_associated(block_of(record%cursor), block)
     if (.not. cursor_of) then
       call fail('The record was made by another block; use create_record of this one.', &
                 status, message)
     end if
-  end function
-
-  logical function open_cursor(record, cursor, status, message)
-    type(qelta_record), intent(in) :: record
-    type(c_ptr), intent(inout) :: cursor
-    integer(int32), intent(out), optional :: status
-    character(*), intent(inout), optional :: message
-    open_cursor = is_open(record%cursor)
-    if (open_cursor) then
-      cursor = object_of(record%cursor)
-    else
-      call fail('The record has no cursor: none was created, it was released, its block was '// &
-                'deleted, or its database closed.', status, message)
-    end if
-  end function
-
-  !> The cursor, when it is open and the field is of one of the types.
-  logical function field_cursor(record, field, types, cursor, status, message)
-    class(qelta_record), intent(in) :: record
-    integer(int32), intent(in) :: field, types(:)
-    type(c_ptr), intent(out) :: cursor
-    integer(int32), intent(out), optional :: status
-    character(*), intent(inout), optional :: message
-    cursor = c_null_ptr
-    field_cursor = open_cursor(record, cursor, status, message)
-    if (.not. field_cursor) return
-    field_cursor = any(record%field_type(field) == types)
-    if (field_cursor) return
-    if (record%field_type(field) == 0) then
-      call fail('The record has the fields 1 to '//number_text(record%field_count())//', not '// &
-                number_text(field)//'.', status, message)
-    else
-      call fail('Field '//number_text(field)//' of the record is '// &
-                type_name(record%field_type(field))//', not '//type_name(types(1))//'.', &
-                status, message)
-    end if
-  end function
-
-  pure function type_name(field_type) result(name)
-    integer(int32), intent(in) :: field_type
-    character(:), allocatable :: name
-    character(19), parameter :: names(block_data_time) = [character(19) :: 'an integer', &
-      'a double', 'a float', 'a text', 'a vector', 'a tensor', 'a set of integers', &
-      'a list of integers', 'a list of doubles', 'an index', 'a time or frequency']
-    name = trim(names(field_type))
   end function
 
   subroutine get_integer(self, field, value, status, message)
@@ -128,7 +78,7 @@ contains
     character(*), intent(inout), optional :: message
     type(c_ptr) :: cursor
     integer(int32) :: code
-    if (.not. field_cursor(self, field, integer_types, cursor, status, message)) return
+    if (.not. field_cursor(self%cursor, field, integer_types, cursor, status, message)) return
     call DataRecord_GetInteger_F(cursor, field, value, code)
     call conclude(code, status, message)
   end subroutine
@@ -140,7 +90,7 @@ contains
     character(*), intent(inout), optional :: message
     type(c_ptr) :: cursor
     integer(int32) :: code
-    if (.not. field_cursor(self, field, integer_types, cursor, status, message)) return
+    if (.not. field_cursor(self%cursor, field, integer_types, cursor, status, message)) return
     call DataRecord_SetInteger_F(cursor, field, value, code)
     call conclude(code, status, message)
   end subroutine
@@ -153,7 +103,7 @@ contains
     character(*), intent(inout), optional :: message
     type(c_ptr) :: cursor
     integer(int32) :: number, code
-    if (.not. field_cursor(self, field, integer_types, cursor, status, message)) return
+    if (.not. field_cursor(self%cursor, field, integer_types, cursor, status, message)) return
     call DataRecord_GetInteger_F(cursor, field, number, code)
     if (code == qelta_ok) value = number /= 0
     call conclude(code, status, message)
@@ -176,7 +126,7 @@ contains
     character(*), intent(inout), optional :: message
     type(c_ptr) :: cursor
     integer(int32) :: code
-    if (.not. field_cursor(self, field, [block_data_float], cursor, status, message)) return
+    if (.not. field_cursor(self%cursor, field, [block_data_float], cursor, status, message)) return
     call DataRecord_GetFloat_F(cursor, field, value, code)
     call conclude(code, status, message)
   end subroutine
@@ -189,7 +139,7 @@ contains
     character(*), intent(inout), optional :: message
     type(c_ptr) :: cursor
     integer(int32) :: code
-    if (.not. field_cursor(self, field, [block_data_float], cursor, status, message)) return
+    if (.not. field_cursor(self%cursor, field, [block_data_float], cursor, status, message)) return
     call DataRecord_SetFloat_F(cursor, field, value, code)
     call conclude(code, status, message)
   end subroutine
@@ -202,7 +152,7 @@ contains
     character(*), intent(inout), optional :: message
     type(c_ptr) :: cursor
     integer(int32) :: code
-    if (.not. field_cursor(self, field, double_types, cursor, status, message)) return
+    if (.not. field_cursor(self%cursor, field, double_types, cursor, status, message)) return
     call DataRecord_GetDouble_F(cursor, field, value, code)
     call conclude(code, status, message)
   end subroutine
@@ -215,31 +165,10 @@ contains
     character(*), intent(inout), optional :: message
     type(c_ptr) :: cursor
     integer(int32) :: code
-    if (.not. field_cursor(self, field, double_types, cursor, status, message)) return
+    if (.not. field_cursor(self%cursor, field, double_types, cursor, status, message)) return
     call DataRecord_SetDouble_F(cursor, field, value, code)
     call conclude(code, status, message)
   end subroutine
-
-  !> The cursor, when the field is a vector or tensor with as many values.
-  logical function vector_cursor(record, field, number_of_values, cursor, status, message)
-    class(qelta_record), intent(in) :: record
-    integer(int32), intent(in) :: field
-    integer, intent(in) :: number_of_values
-    type(c_ptr), intent(out) :: cursor
-    integer(int32), intent(out), optional :: status
-    character(*), intent(inout), optional :: message
-    cursor = c_null_ptr
-    select case (number_of_values)
-    case (3)
-      vector_cursor = field_cursor(record, field, [block_data_vector], cursor, status, message)
-    case (6)
-      vector_cursor = field_cursor(record, field, [block_data_tensor], cursor, status, message)
-    case default
-      vector_cursor = .false.
-      call fail('A vector has 3 values and a tensor 6, not '//number_text(number_of_values)// &
-                '; lists have get_list and set_list.', status, message)
-    end select
-  end function
 
   subroutine get_doubles(self, field, values, status, message)
     class(qelta_record), intent(in) :: self
@@ -249,7 +178,7 @@ contains
     character(*), intent(inout), optional :: message
     type(c_ptr) :: cursor
     integer(int32) :: code
-    if (.not. vector_cursor(self, field, size(values), cursor, status, message)) return
+    if (.not. vector_cursor(self%cursor, field, size(values), cursor, status, message)) return
     if (size(values) == 3) then
       call DataRecord_GetVector_F(cursor, field, values, code)
     else
@@ -266,7 +195,7 @@ contains
     character(*), intent(inout), optional :: message
     type(c_ptr) :: cursor
     integer(int32) :: code
-    if (.not. vector_cursor(self, field, size(values), cursor, status, message)) return
+    if (.not. vector_cursor(self%cursor, field, size(values), cursor, status, message)) return
     if (size(values) == 3) then
       call DataRecord_SetVector_F(cursor, field, values, code)
     else
@@ -284,7 +213,7 @@ contains
     character(:), allocatable :: text
     type(c_ptr) :: cursor
     integer(int32) :: length, code
-    if (.not. field_cursor(self, field, [block_data_string], cursor, status, message)) return
+    if (.not. field_cursor(self%cursor, field, [block_data_string], cursor, status, message)) return
     length = 0
     call Record_GetStringLen_F(cursor, field, length, code)
     text = repeat(' ', length)
@@ -303,7 +232,7 @@ contains
     character(*), intent(inout), optional :: message
     type(c_ptr) :: cursor
     integer(int32) :: code
-    if (.not. field_cursor(self, field, [block_data_string], cursor, status, message)) return
+    if (.not. field_cursor(self%cursor, field, [block_data_string], cursor, status, message)) return
     call DataRecord_SetString_F(cursor, field, for_c(value), code)
     call conclude(code, status, message)
   end subroutine
@@ -317,7 +246,7 @@ contains
     integer(int32), allocatable :: list(:)
     type(c_ptr) :: cursor
     integer(int32) :: length, code
-    if (.not. field_cursor(self, field, int_list_types, cursor, status, message)) return
+    if (.not. field_cursor(self%cursor, field, int_list_types, cursor, status, message)) return
     length = 0
     call DataRecord_GetIntListLen_F(cursor, field, length, code)
     allocate (list(length))
@@ -335,7 +264,7 @@ contains
     character(*), intent(inout), optional :: message
     type(c_ptr) :: cursor, list
     integer(int32) :: code, ignored
-    if (.not. field_cursor(self, field, int_list_types, cursor, status, message)) return
+    if (.not. field_cursor(self%cursor, field, int_list_types, cursor, status, message)) return
     ! One value more, since an empty array may have no address.
     list = c_null_ptr
     call IntArray_New_F([values, 0_int32], size(values, kind=int64), list, code)
@@ -353,7 +282,7 @@ contains
     real(real64), allocatable :: list(:)
     type(c_ptr) :: cursor
     integer(int32) :: length, code
-    if (.not. field_cursor(self, field, [block_data_double_list], cursor, status, message)) return
+    if (.not. field_cursor(self%cursor, field, double_list_types, cursor, status, message)) return
     length = 0
     call DataRecord_GetDoubleListLen_F(cursor, field, length, code)
     allocate (list(length))
@@ -372,7 +301,7 @@ contains
     character(*), intent(inout), optional :: message
     type(c_ptr) :: cursor, list
     integer(int32) :: code, ignored
-    if (.not. field_cursor(self, field, [block_data_double_list], cursor, status, message)) return
+    if (.not. field_cursor(self%cursor, field, double_list_types, cursor, status, message)) return
     ! As in set_int_list.
     list = c_null_ptr
     call DoubleArray_New_F([values, 0.0_real64], size(values, kind=int64), list, code)
@@ -389,10 +318,7 @@ contains
   pure integer(int32) function record_field_type(self, field)
     class(qelta_record), intent(in) :: self
     integer(int32), intent(in) :: field
-    record_field_type = 0
-    if (1 <= field .and. field <= self%field_count()) then
-      record_field_type = field_type_of(self%cursor, field)
-    end if
+    record_field_type = field_type_of(self%cursor, field)
   end function
 
   pure logical function record_is_open(self)

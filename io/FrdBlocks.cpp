@@ -15,23 +15,28 @@ constexpr std::size_t kElementBatch = 4096;
 
 std::int64_t CountHint(const FrdTable& table) { return table.count.value_or(0); }
 
-bool IsSameValue(double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); }
+bool IsSameValue(const std::optional<double>& a, const std::optional<double>& b) {
+  return a && b && (*a == *b || (std::isnan(*a) && std::isnan(*b)));
+}
 
 }  // namespace
 
-// The second block of one key, and every further one, has "#2" and so on behind its label.
-FED_DataDescriptor FrdBlocks::MakeUnique(FED_DataDescriptor key) {
+// Makes the key one that no block has yet: the second block of a key, and every further one, has
+// "#2" and so on behind its label. False when a block of this key holds the frame value already.
+bool FrdBlocks::ClaimKey(FED_DataDescriptor& key, std::optional<double> frameValue) {
   const std::string label = key.Has(Key::LABEL) ? key.GetString(Key::LABEL) : std::string();
-  for (int i = 2; m_Keys.count(key) != 0; ++i) {
+  for (int i = 2;; ++i) {
+    const auto [place, isNew] = m_Keys.try_emplace(key, frameValue);
+    if (isNew) return true;
+    if (IsSameValue(place->second, frameValue)) return false;
     key.SetString(Key::LABEL, label + "#" + std::to_string(i));
   }
-  m_Keys.emplace(key, 0.0);
-  return key;
 }
 
-std::size_t FrdBlocks::Open(const FED_DataDescriptor& key, const std::string& format,
+std::size_t FrdBlocks::Open(FED_DataDescriptor key, const std::string& format,
                             const FrdTable& table) {
-  return m_Sink.OpenBlock(MakeUnique(key), format, CountHint(table));
+  ClaimKey(key, std::nullopt);
+  return m_Sink.OpenBlock(key, format, CountHint(table));
 }
 
 void FrdBlocks::OpenPartOf(const FED_DataDescriptor& key, const FrdFieldPart& part,
@@ -83,7 +88,6 @@ void FrdBlocks::OnNodes(const FrdRecords& nodes) { WriteParts(nodes); }
 void FrdBlocks::OnNodesEnd() { CloseParts(); }
 
 void FrdBlocks::OnDatasetBegin(const FrdDataset& dataset) {
-  WriteFrameValues(dataset);
   for (const FrdFieldPart& part : MapFrdDataset(dataset)) {
     OpenPartOf(MakeFrdPartKey(dataset, part), part, dataset.table);
   }
@@ -96,7 +100,11 @@ void FrdBlocks::WriteParts(const FrdRecords& records) {
   for (const OpenPart& part : m_Parts) WritePart(part, records);
 }
 
-void FrdBlocks::OnDatasetEnd() { CloseParts(); }
+// A frame has its values from its first dataset that is whole.
+void FrdBlocks::OnDatasetEnd(const FrdDataset& dataset) {
+  CloseParts();
+  WriteFrameValues(dataset);
+}
 
 // The reader numbers nodes as they come, so an index that is new is the next one.
 void FrdBlocks::TranslateNodes(const FrdRecords& records) {
@@ -139,10 +147,7 @@ void FrdBlocks::WriteFrameValue(const FrdFrame& frame, FED_OnfId kind, double va
                                 std::int32_t index) {
   Key key = MakeFrdFrameKey(frame);
   key.SetInteger(Key::ONF, kind);
-  const auto known = m_Keys.find(key);
-  if (known != m_Keys.end() && IsSameValue(known->second, value)) return;
-  key = MakeUnique(key);
-  m_Keys[key] = value;
+  if (!ClaimKey(key, value)) return;
   const std::size_t block = m_Sink.OpenBlock(key, {}, 1);
   m_Sink.WriteRecords(block, 1, &index, &value);
   m_Sink.CloseBlock(block);

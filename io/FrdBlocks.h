@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,7 +36,7 @@ class FrdBlocks : public FrdVisitor {
   void OnElementsEnd() override;
   void OnDatasetBegin(const FrdDataset& dataset) override;
   void OnRecords(const FrdRecords& records) override;
-  void OnDatasetEnd() override;
+  void OnDatasetEnd(const FrdDataset& dataset) override;
   void OnTableCut() override;
   void OnEnd(bool complete) override;
 
@@ -47,8 +48,8 @@ class FrdBlocks : public FrdVisitor {
   };
   static constexpr std::size_t kNoBlock = static_cast<std::size_t>(-1);
 
-  FED_DataDescriptor MakeUnique(FED_DataDescriptor key);
-  std::size_t Open(const FED_DataDescriptor& key, const std::string& format, const FrdTable& table);
+  bool ClaimKey(FED_DataDescriptor& key, std::optional<double> frameValue);
+  std::size_t Open(FED_DataDescriptor key, const std::string& format, const FrdTable& table);
   void OpenPartOf(const FED_DataDescriptor& key, const FrdFieldPart& part, const FrdTable& table);
   void CloseParts();
 
@@ -66,8 +67,8 @@ class FrdBlocks : public FrdVisitor {
   void ClearElements();
 
   QeltaBlockSink& m_Sink;
-  std::map<FED_DataDescriptor, double> m_Keys;  // of all blocks; the value of a frame value
-  std::vector<OpenPart> m_Parts;                // of the table that is being read
+  std::map<FED_DataDescriptor, std::optional<double>> m_Keys;  // of all blocks; their frame value
+  std::vector<OpenPart> m_Parts;                               // of the table that is being read
   std::size_t m_Header = kNoBlock;
   std::int32_t m_HeaderLines = 0;
   std::map<std::int32_t, std::int32_t> m_GroupIndices;  // of the sink, by number in the file

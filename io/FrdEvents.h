@@ -97,7 +97,8 @@ class FrdVisitor {
   virtual void OnDatasetBegin(const FrdDataset& /*dataset*/) {}
   /// One value for each component.
   virtual void OnRecords(const FrdRecords& /*records*/) {}
-  virtual void OnDatasetEnd() {}
+  /// The dataset that was begun last is whole.
+  virtual void OnDatasetEnd(const FrdDataset& /*dataset*/) {}
 
   /// The table that was begun last is cut short and does not end: forget it. Only called where a
   /// running job is accepted.

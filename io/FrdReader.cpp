@@ -1,5 +1,7 @@
 #include "FrdReader.h"
 
+#include <FED_Failure.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -9,6 +11,8 @@
 
 namespace qelta {
 namespace {
+
+constexpr const char* kLocation = "|%P|QeltaIo|FrdReader";
 
 bool HasKey(std::string_view line, std::string_view key) {
   return line.substr(0, key.size()) == key;
@@ -47,7 +51,12 @@ void FrdReader::ReadAll() {
 
 void FrdReader::ReadModel() {
   std::string_view line;
-  if (!m_Source.GetLine(line)) m_Source.ThrowDamage("310000000501", "the file is empty");
+  if (!m_Source.GetLine(line)) {
+    FED_Failure::Throw(
+        "310000000501", kLocation,
+        "%s is empty. The solver has not written to it yet, or failed before it did.",
+        m_Source.GetName().c_str());
+  }
   if (!HasKey(line, "    1C") || !IsPrintable(line)) {
     m_Source.ThrowDamage("310000000502", "a result file begins with '    1C'");
   }
@@ -139,7 +148,7 @@ void FrdReader::ReadDataset(std::string_view line) {
   m_RecordReader.Read(dataset.table, dataset.components.size(),
                       [this](const FrdRecords& records) { m_Visitor->OnRecords(records); });
   m_IsInTable = m_HasParameters = false;
-  m_Visitor->OnDatasetEnd();
+  m_Visitor->OnDatasetEnd(dataset);
 }
 
 void FrdReader::ReadFieldHead(FrdDataset& dataset) {
@@ -166,8 +175,12 @@ void FrdReader::RequireNothingLeft() {
 
 void FrdReader::HandleCut() {
   if (!m_AcceptRunningJob) {
-    m_Source.ThrowDamage("310000000507",
-                         "the file ends in the middle of a table (is the solver still running?)");
+    FED_Failure::Throw(
+        "310000000507", kLocation,
+        "%s, %s: the file ends too early, in the middle of a table or header. If the "
+        "job is still running, use acceptRunningJob (qelta: --running); if not, copy "
+        "the file again, or let the solver write it again.",
+        m_Source.GetName().c_str(), m_Source.GetPlace().c_str());
   }
   if (m_IsInTable) m_Visitor->OnTableCut();
 }

@@ -37,7 +37,11 @@ class Summarizer : public FrdBlocks {
     m_NextElement = element.index + 1;
     ++m_Out.elements[element.type->name];
   }
-  void OnDatasetBegin(const FrdDataset& dataset) override;
+  void OnDatasetBegin(const FrdDataset& dataset) override {
+    FrdBlocks::OnDatasetBegin(dataset);
+    m_Out.isBinary |= !IsFrdText(dataset.table.encoding);
+  }
+  void OnDatasetEnd(const FrdDataset& dataset) override;
   void OnRecords(const FrdRecords& records) override {
     FrdBlocks::OnRecords(records);
     m_Out.nodesWithoutCoordinates += CountNew(records);
@@ -81,9 +85,8 @@ void AddIfGiven(FED_IntSetIntvl<int>& set, std::optional<std::int32_t> value) {
   if (value) set.Insert(*value);
 }
 
-void Summarizer::OnDatasetBegin(const FrdDataset& dataset) {
-  FrdBlocks::OnDatasetBegin(dataset);
-  m_Out.isBinary |= !IsFrdText(dataset.table.encoding);
+void Summarizer::OnDatasetEnd(const FrdDataset& dataset) {
+  FrdBlocks::OnDatasetEnd(dataset);
   const FrdFrame& frame = dataset.frame;
   FrdStepSummary& step = FindStep(frame);
   AddIfGiven(step.frames, frame.number);

@@ -2,7 +2,6 @@
 
 #include <FED_DataBlock.h>
 #include <FED_Database.h>
-#include <FED_RecordRuns.h>
 
 #include <vector>
 
@@ -30,16 +29,8 @@ class QeltaDatabaseSink : public QeltaBlockSink {
   std::int32_t IndexOfName(FED_IdType type, const std::string& name) override;
 
  private:
-  struct OpenBlockState {
-    FED_DataBlock* block;  // null: the place is free
-    FED_RecordRuns* runs;  // null: the block takes single records only
-  };
-
-  void WriteSingly(FED_DataBlock& block, std::size_t count, const std::int32_t* indices,
-                   const unsigned char* records);
-
   FED_Database& m_Database;
-  std::vector<OpenBlockState> m_Open;
+  std::vector<FED_DataBlock*> m_Open;  // null: the place is free
 };
 
 }  // namespace qelta

@@ -2,37 +2,31 @@
 
 #include <algorithm>
 
+#include "QeltaNames.h"
+
 namespace qelta {
 namespace {
-
-void Append(std::string& list, const std::string& item) {
-  if (!list.empty()) list += ", ";
-  list += item;
-}
 
 std::string DescribeTexts(const std::vector<FED_DataDescriptor>& keys,
                           FED_DataDescriptor::ResultIndex field) {
   std::vector<std::string> texts;
-  std::string list;
   for (const FED_DataDescriptor& key : keys) {
     if (!key.Has(field)) continue;
     const std::string text = key.GetString(field);
-    if (std::find(texts.begin(), texts.end(), text) != texts.end()) continue;
-    texts.push_back(text);
-    Append(list, text);
+    if (std::find(texts.begin(), texts.end(), text) == texts.end()) texts.push_back(text);
   }
-  return list;
+  return Join(texts);
 }
 
 }  // namespace
 
 std::string ToText(const FED_IntSetIntvl<int>& set) {
-  std::string list;
+  std::vector<std::string> parts;
   for (const auto& interval : set) {
-    Append(list, std::to_string(interval.lo) +
-                     (interval.lo == interval.hi ? "" : ".." + std::to_string(interval.hi)));
+    parts.push_back(std::to_string(interval.lo) +
+                    (interval.lo == interval.hi ? "" : ".." + std::to_string(interval.hi)));
   }
-  return list;
+  return Join(parts);
 }
 
 std::string DescribeValues(const std::vector<FED_DataDescriptor>& keys,

@@ -41,26 +41,30 @@ std::size_t Unlikeness(const std::string& name, const std::string& known) {
   return least;
 }
 
-std::string Join(const std::vector<std::string>& names) {
-  std::string text;
-  for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
-  return text;
-}
-
 }  // namespace
+
+std::string Join(const std::vector<std::string>& texts) {
+  std::string list;
+  for (const std::string& text : texts) list += (list.empty() ? "" : ", ") + text;
+  return list;
+}
 
 bool IsSameName(const std::string& a, const std::string& b) { return Lower(a) == Lower(b); }
 
-std::string Suggest(const std::string& name, const std::vector<std::string>& known) {
-  constexpr std::size_t kShortList = 14;
+std::string SuggestLike(const std::string& name, const std::vector<std::string>& known) {
   const auto best = std::min_element(known.begin(), known.end(),
                                      [&name](const std::string& a, const std::string& b) {
                                        return Unlikeness(name, a) < Unlikeness(name, b);
                                      });
-  if (best != known.end() && Unlikeness(name, *best) <= 1 + name.size() / 4) {
-    return " Did you mean " + *best + "?";
-  }
-  return known.size() <= kShortList ? " Known are " + Join(known) + "." : std::string();
+  const bool isLike = best != known.end() && Unlikeness(name, *best) <= 1 + name.size() / 4;
+  return isLike ? " Did you mean " + *best + "?" : std::string();
+}
+
+std::string Suggest(const std::string& name, const std::vector<std::string>& known) {
+  constexpr std::size_t kShortList = 14;
+  const std::string like = SuggestLike(name, known);
+  if (!like.empty() || known.size() > kShortList) return like;
+  return " Known are " + Join(known) + ".";
 }
 
 }  // namespace qelta

@@ -3,8 +3,8 @@
 #include <FED_Failure.h>
 #include <FED_Message.h>
 #include <FED_OnfInfoPool.h>
+#include <QeltaStringUtil.h>
 
-#include <charconv>
 #include <optional>
 #include <set>
 
@@ -21,9 +21,7 @@ using Key = FED_DataDescriptor;
 
 std::optional<int> ToInteger(const std::string& text) {
   int value = 0;
-  const char* const end = text.data() + text.size();
-  const auto result = std::from_chars(text.data(), end, value);
-  if (result.ec != std::errc() || result.ptr != end) return std::nullopt;
+  if (QeltaStringUtil::ToInt(text, value) != STATUS_OK) return std::nullopt;
   return value;
 }
 
@@ -80,6 +78,12 @@ int RequireValue(Key::ResultIndex field, const std::string& text) {
   return *value;
 }
 
+// A bound of the kinds need not be the number of one.
+int RequireBound(Key::ResultIndex field, const std::string& text) {
+  const std::optional<int> number = ToInteger(text);
+  return field == Key::ONF && number ? *number : RequireValue(field, text);
+}
+
 void SetInteger(FED_DataDescriptorPattern& pattern, Key::ResultIndex field,
                 const std::string& text) {
   const std::size_t dots = text.find("..");
@@ -92,9 +96,9 @@ void SetInteger(FED_DataDescriptorPattern& pattern, Key::ResultIndex field,
   } else if (dots == std::string::npos) {
     pattern.SetMatchExact(field, RequireValue(field, text));
   } else if (dots == 0) {
-    pattern.SetMatchLessEqual(field, RequireValue(field, text.substr(2)));
+    pattern.SetMatchLessEqual(field, RequireBound(field, text.substr(2)));
   } else if (dots + 2 == text.size()) {
-    pattern.SetMatchGreaterEqual(field, RequireValue(field, text.substr(0, dots)));
+    pattern.SetMatchGreaterEqual(field, RequireBound(field, text.substr(0, dots)));
   } else {
     ThrowUsage("310000000706", FED_MESSAGE("%s=%s has two bounds; one is possible: %s=N.. or "
                                            "%s=..N.",

@@ -1,5 +1,7 @@
 #include "FED_DataRecord.h"
 
+#include <algorithm>
+
 #include "FED_DataBlock.h"
 #include "IntSetList.h"
 
@@ -46,7 +48,9 @@ void FED_DataRecord::SetIntSet(std::size_t i, const FED_IntSetIntvl<int>& set) {
 }
 
 void FED_DataRecord::CopyBulkItemFrom(const FED_ConstDataRecord& source, std::size_t i) {
-  std::memcpy(GetDataPtr(i), source.GetDataPtr(i), GetDataTypeSize(i));
+  // A source of another layout may have less to give.
+  const std::size_t size = std::min(GetDataTypeSize(i), source.GetDataTypeSize(i));
+  std::memmove(GetDataPtr(i), source.GetDataPtr(i), size);
 }
 
 FED_DataRecord& FED_DataRecord::operator=(const FED_ConstDataRecord& source) {
@@ -56,6 +60,7 @@ FED_DataRecord& FED_DataRecord::operator=(const FED_ConstDataRecord& source) {
 }
 
 FED_DataRecord& FED_DataRecord::operator=(const FED_DataRecord& source) {
+  if (this == &source) return *this;
   return *this = static_cast<const FED_ConstDataRecord&>(source);
 }
 

@@ -38,12 +38,12 @@ void FED_IdDataRecord::SetIntList(std::size_t field, const FED_IntArray& values)
     m_WritableDataRecord->SetIntList(field, values.data, static_cast<std::size_t>(values.count));
     return;
   }
-  FED_IntArray indices;
-  indices.Resize(values.count);
+  std::vector<int> indices;
+  indices.reserve(static_cast<std::size_t>(values.count));
   for (std::uint64_t k = 0; k < values.count; ++k) {
-    indices.data[k] = IndexOf(field, values.data[k]);
+    indices.push_back(IndexOf(field, values.data[k]));
   }
-  m_WritableDataRecord->SetIntList(field, indices.data, static_cast<std::size_t>(indices.count));
+  m_WritableDataRecord->SetIntList(field, indices);
 }
 
 void FED_IdDataRecord::SetIntList(std::size_t field, const std::vector<int>& values) {
@@ -60,12 +60,10 @@ void FED_IdDataRecord::SetString(std::size_t field, const std::string& value) {
 
 void FED_IdDataRecord::SetStringList(std::size_t field, const std::vector<std::string>& values) {
   const FED_IdMap& map = MapOf(GetIdType(field));
-  FED_IntArray indices;
-  indices.Resize(values.size());
-  for (std::size_t k = 0; k < values.size(); ++k) {
-    indices.data[k] = static_cast<int>(map.IndexOfName(values[k]));
-  }
-  m_WritableDataRecord->SetIntList(field, indices.data, static_cast<std::size_t>(indices.count));
+  std::vector<int> indices;
+  indices.reserve(values.size());
+  for (const std::string& name : values) indices.push_back(static_cast<int>(map.IndexOfName(name)));
+  m_WritableDataRecord->SetIntList(field, indices);
 }
 
 void FED_IdDataRecord::SetDoubleList(std::size_t field, const FED_DoubleArray& values) {
@@ -87,6 +85,7 @@ FED_IdDataRecord& FED_IdDataRecord::operator=(const FED_ConstIdDataRecord& sourc
 }
 
 FED_IdDataRecord& FED_IdDataRecord::operator=(const FED_IdDataRecord& source) {
+  if (this == &source) return *this;
   return *this = static_cast<const FED_ConstIdDataRecord&>(source);
 }
 

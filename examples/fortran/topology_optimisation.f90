@@ -123,7 +123,8 @@ module run_store
 
 contains
 
-  !> The mesh, its named node groups and the parameters, once.
+  !> The mesh with the numbers of its nodes and elements, its named node groups and the parameters,
+  !> once.
   subroutine store_problem(db, mesh)
     type(qelta_database), intent(in) :: db
     type(grid), intent(in) :: mesh
@@ -131,6 +132,8 @@ contains
     type(qelta_record) :: record
     real(real64) :: coordinates(3, mesh%nodes())
     integer :: i
+    call db%add_ids(id_type_node, [(i, i=1, mesh%nodes())])
+    call db%add_ids(id_type_element, [(i, i=1, mesh%elements())])
     coordinates = 0
     coordinates(1, :) = [((i - 1)/(mesh%ny + 1), i=1, mesh%nodes())]
     coordinates(2, :) = [(mod(i - 1, mesh%ny + 1), i=1, mesh%nodes())]
@@ -145,8 +148,8 @@ contains
       call block%set_record(i - 1, record)
     end do
 
-    call store_group(db, 'FIXED', [(i - 1, i=1, mesh%ny + 1)])
-    call store_group(db, 'LOADED', [mesh%loaded_node() - 1])
+    call store_group(db, 'FIXED', [(i, i=1, mesh%ny + 1)])
+    call store_group(db, 'LOADED', [mesh%loaded_node()])
 
     call db%fetch_block(qelta_descriptor(onf=onf_text_note, label='PARAMETERS'), block)
     call block%create_record(record)
@@ -159,11 +162,13 @@ contains
     character(*), intent(in) :: name
     integer, intent(in) :: nodes(:)
     type(qelta_block) :: block
-    type(qelta_record) :: record
-    call db%fetch_block(qelta_descriptor(onf=onf_node_group, label=name), block)
-    call block%create_record(record)
-    call record%set_list(1, nodes)
-    call block%set_record(0, record)
+    type(qelta_id_view) :: groups
+    type(qelta_id_record) :: group
+    call db%fetch_block(qelta_descriptor(onf=onf_node_group), block)
+    call groups%open(block)
+    call groups%create_record(group)
+    call group%set_list(1, nodes)
+    call groups%set_record(name, group)
   end subroutine
 
   !> The key of one result of an iteration.
@@ -290,11 +295,11 @@ contains
     call block%get_scalars(history, first=1, field=1)
     call require(same(history(last%iteration:), [last%compliance]), 'the history differs')
     ! The force does the work of the compliance.
-    associate (work => -stored%displacement(2, group(db, 'LOADED') + 1))
+    associate (work => -stored%displacement(2, group(db, 'LOADED')))
       call require(abs(sum(work) - stored%compliance) < 1e-9_real64*stored%compliance, &
                    'the stored compliance is not that of the stored displacements')
     end associate
-    associate (clamped => stored%displacement(:, group(db, 'FIXED') + 1))
+    associate (clamped => stored%displacement(:, group(db, 'FIXED')))
       call require(size(clamped, 2) == mesh%ny + 1 .and. maxval(abs(clamped)) <= 0, &
                    'the fixed nodes moved')
     end associate
@@ -305,10 +310,12 @@ contains
     character(*), intent(in) :: name
     integer, allocatable :: nodes(:)
     type(qelta_block) :: block
-    type(qelta_record) :: record
-    call db%fetch_block(qelta_descriptor(onf=onf_node_group, label=name), block)
-    call block%create_record(record)
-    call block%get_record(0, record)
+    type(qelta_id_view) :: groups
+    type(qelta_id_record) :: record
+    call db%fetch_block(qelta_descriptor(onf=onf_node_group), block)
+    call groups%open(block)
+    call groups%create_record(record)
+    call groups%get_record(name, record)
     call record%get_list(1, nodes)
   end function
 

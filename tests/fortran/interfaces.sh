@@ -8,11 +8,12 @@ trap 'rm -rf "$work"' EXIT
 
 sed '/^#/d' "$here/entry_points.txt" | sort >"$work/listed"
 awk -f "$here/c_signatures.awk" QeltaDataBlock.m/src/*_F.h QeltaDataDescriptor.m/src/*_F.h \
-  fortran/QeltaFortran_F.h | sort >"$work/c"
+  fortran/*_F.h | sort >"$work/c"
 cut -d' ' -f2- "$work/listed" | sed -E 's/ (object|data-in|data-out)/ address/g; s/ uint64/ int64/g' |
   sort >"$work/expected"
-awk -f "$here/fortran_signatures.awk" fortran/qelta_bindings.f90 | sort >"$work/fortran"
+awk -f "$here/fortran_signatures.awk" fortran/qelta_bindings.f90 \
+  fortran/qelta_id_bindings.f90 | sort >"$work/fortran"
 
-[ "$(grep -vc '^QeltaFortran_F ' "$work/listed")" -eq 43 ]
+[ "$(grep -c '^FED_' "$work/listed")" -eq 43 ]
 diff "$work/listed" "$work/c"
 diff "$work/expected" "$work/fortran"

@@ -63,7 +63,7 @@ class EventLog : public FrdVisitor {
   void OnElementsEnd() override { text += "end\n"; }
   void OnDatasetBegin(const FrdDataset& dataset) override;
   void OnRecords(const FrdRecords& records) override { Add(records); }
-  void OnDatasetEnd() override { text += "end\n"; }
+  void OnDatasetEnd(const FrdDataset&) override { text += "end\n"; }
   void OnTableCut() override { text += "cut\n"; }
   void OnEnd(bool complete) override { text += complete ? "complete\n" : "incomplete\n"; }
 

@@ -207,6 +207,28 @@ TEST(FrdBlocks, KeepASecondBlockOfTheSameKey) {
   EXPECT_EQ(SummarizeFrd(file.Path()).nodesWithoutCoordinates, 1U);
 }
 
+// Blank columns for step and NUMSTP: the keys of the frames are the same.
+std::string UnnumberedFrame(const std::string& time) {
+  std::string text;
+  for (const char* name : {"DISPX   ", "DISPY   ", "DISPZ   "}) {
+    text += "  100CL  101 " + time + "           2                     0                1\n -4  " +
+            name +
+            "    1    1\n -5  T           1    1    0    0\n -1         5 1.00000E+00\n -3\n";
+  }
+  return text;
+}
+
+TEST(FrdBlocks, HoldAFrameValueOnceThoughKeysCollide) {
+  Memory database(TempFile(kFile + UnnumberedFrame("1.000000000") + UnnumberedFrame("2.000000000") +
+                           UnnumberedFrame("3.000000000"))
+                      .Path());
+  Dump dump = DumpDatabase(database);
+  EXPECT_EQ(dump.size(), 2U + 9 + 3) << Shape(dump);
+  EXPECT_EQ(dump["ONF=301/ANALYSIS=0"], (DumpedBlock{{0, {{1.0}, {}}}}));
+  EXPECT_EQ(dump["ONF=301/ANALYSIS=0/LABEL=#2"], (DumpedBlock{{0, {{2.0}, {}}}}));
+  EXPECT_EQ(dump["ONF=301/ANALYSIS=0/LABEL=#3"], (DumpedBlock{{0, {{3.0}, {}}}}));
+}
+
 TEST(FrdBlocks, KeepIndicesOverRemeshingAndASecondImport) {
   const std::string secondMesh =
       "    2C                             2                                     1\n"
@@ -235,9 +257,14 @@ TEST(FrdBlocks, TakeBackATableThatIsCut) {
   FED_MemoryDatabase database;
   database.InitDb(FED_IdMapsPool(), FED_DatabaseDefs::CREATE, 0, L"test");
   EXPECT_FALSE(ImportFrd(file.Path(), database, running));
-  EXPECT_EQ(Shape(DumpDatabase(database)),
-            "ONF=2 2\nONF=301/SUBSTEP=1/ANALYSIS=0/INCREMENT=1 1\nONF=308/LABEL=HEADER 1\n");
-  EXPECT_EQ(SummarizeFrd(file.Path(), running).blocks.size(), 3U);
+  EXPECT_EQ(Shape(DumpDatabase(database)), "ONF=2 2\nONF=308/LABEL=HEADER 1\n");
+  const FrdFileSummary summary = SummarizeFrd(file.Path(), running);
+  EXPECT_EQ(summary.blocks.size(), 2U);
+  EXPECT_TRUE(summary.steps.empty());
+
+  const TempFile longer(kFile + table + table.substr(0, table.find(" -3")));
+  EXPECT_EQ(SummarizeFrd(longer.Path(), running).blocks.size(), 4U);
+  EXPECT_EQ(SummarizeFrd(longer.Path(), running).steps.size(), 1U);
 }
 
 struct FieldCase {

@@ -45,7 +45,6 @@ TEST_P(FrdDamage, IsReportedWithPlaceAndCause) {
 INSTANTIATE_TEST_SUITE_P(
     Text, FrdDamage,
     testing::Values(
-        Damage{"Empty", "", "line 0", "empty"},
         Damage{"Foreign", "*HEADING\n", "line 1", "begins with '    1C'"},
         Damage{"NoLineEnd", std::string(200000, 'x'), "line 1", "no line end"},
         Damage{"NulInHeader", kHead + std::string("    1Uab\0c\n", 11), "line 2", "no text"},
@@ -124,6 +123,12 @@ TEST(FrdDamageOfPaths, SaysWhatIsWrongWithThePath) {
   const std::filesystem::path folder = std::filesystem::temp_directory_path();
   EXPECT_EQ(FailureId([&] { ReadEvents(folder); }), "310000000002");
   EXPECT_EQ(FailureId([&] { ReadEvents(folder / "no such file.frd"); }), "310000000001");
+}
+
+TEST(FrdDamageOfPaths, TellsAnEmptyFileFromADamagedOne) {
+  const FED_Failure failure = CatchFailure([] { ReadEventsOf(""); });
+  EXPECT_NE(failure.GetMessageText().find(".frd is empty."), std::string::npos) << failure.what();
+  EXPECT_EQ(failure.GetMessageText().find("damaged"), std::string::npos) << failure.what();
 }
 
 // Right is what the whole file begins with.

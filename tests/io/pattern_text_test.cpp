@@ -38,6 +38,10 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"OBJECTIVE_ID=max", [](Pattern& p) { p.SetMatchExact(Key::OBJECTIVE_ID, "max"); }},
         Case{"ONF=displacement", [](Pattern& p) { p.SetMatchExact(Key::ONF, ONF_DISPLACEMENT); }},
         Case{"onf=107..", [](Pattern& p) { p.SetMatchGreaterEqual(Key::ONF, 107); }},
+        Case{"ONF=..200", [](Pattern& p) { p.SetMatchLessEqual(Key::ONF, 200); }},
+        Case{"ONF=-1..", [](Pattern& p) { p.SetMatchGreaterEqual(Key::ONF, -1); }},
+        Case{"ONF=..displacement",
+             [](Pattern& p) { p.SetMatchLessEqual(Key::ONF, ONF_DISPLACEMENT); }},
         Case{"ONF=@Nodal", [](Pattern& p) { p.SetMatchCategory(ONF_CATEGORY_NODAL); }}));
 
 TEST(PatternTexts, MustAllHold) {
@@ -57,6 +61,8 @@ TEST(PatternTexts, SayWhatIsWrongWithThem) {
       {{"ONF=displacment"}, "no block kind 'displacment'. Did you mean DISPLACEMENT?"},
       {{"ONF=strss"}, "Did you mean NODAL_STRESS?"},
       {{"ONF=9999"}, "no block kind '9999'"},
+      {{"ONF=200"}, "no block kind '200'"},
+      {{"ONF=.."}, "no block kind ''"},
       {{"ONF=@nodel"}, "no category 'nodel'. Did you mean nodal?"},
       {{"LAYER=4"}, "LAYER takes values from 1 to 3, not 4"},
       {{"LAYER=..0"}, "LAYER takes values from 1 to 3, not 0"},

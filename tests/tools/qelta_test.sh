@@ -57,9 +57,17 @@ expect 1 find "$text" -w LAYER=1
 
 expect 0 --help
 prints "Exit codes"
+expect 0 --version
+prints "qelta "
 expect 0 find --help
+grep -q 'FIELD=VALUE \.\.\.' "$out" && fail "one selection for each -w"
 expect 2
+complains "the commands are info, "
 expect 2 bogus
+complains "the commands are info, "
+expect 2 fnid "$text"
+complains "Did you mean find?"
+expect 2 find -w LABEL=DISP INCREMENT=max "$text"
 expect 2 info
 expect 2 info "$text" --bogus
 expect 2 find "$text" -w LABL=DISP
@@ -72,12 +80,37 @@ expect 3 info "$folder"
 complains "is a directory"
 : >"$folder/empty.frd"
 expect 3 info "$folder/empty.frd"
-complains "empty.frd, line 0"
+complains "empty.frd is empty."
 head -c 50000 "$text" >"$folder/cut.frd"
 expect 3 info "$folder/cut.frd"
-complains "line "
+complains "ends too early"
+complains "--running"
 expect 0 info --running "$folder/cut.frd"
 prints "no end record"
+
+# What a damaged file holds must not steer the terminal.
+printf '    1C\n    2C\n\033[31mred\177\007\n' >"$folder/steering.frd"
+expect 3 info "$folder/steering.frd"
+complains "[31mred"
+tr -d '\n' <"$err" | grep -q '[[:cntrl:]]' && fail "control characters were printed"
+
+# Many components, long lists of frames, a heading without blanks: still 80 columns.
+awk 'BEGIN {
+  printf "    1C\n    1U%0150d\n", 7
+  for (i = 1; i < 200; i += 2) {
+    printf "    1PSTEP              %12d%12d%12d\n    1PMODE              %12d\n", i, i, 1, i
+    printf "  100CL  101 %.5E           1                     2%5d           1\n", i * 1234.567, i
+    printf " -4  SDV        60    1\n"
+    for (c = 1; c <= 60; ++c) printf " -5  SDV%-5d    1    1    0    0\n", c
+    for (c = 1; c <= 60; ++c) printf (c % 6 == 1 ? (c == 1 ? " -1         1" : "\n -2          ") : "") " 1.00000E+00"
+    printf "\n -3\n"
+  }
+  print " 9999"
+}' >"$folder/wide.frd"
+expect 0 info "$folder/wide.frd"
+awk 'NR > 1 && length > 80 { exit 1 }' "$out" || fail "lines of more than 80 columns"
+prints "I|60d"
+prints ", ..., 199"
 
 # Nobody wants the rest: no error. A full device: one.
 { "$qelta" find "$text" 2>"$err"; echo $? >"$folder/code"; } | true

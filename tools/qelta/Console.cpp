@@ -14,6 +14,9 @@ void Check(bool isDone) {
   throw Console::OutputFailure();
 }
 
+// Texts of a damaged file must not steer the terminal.
+bool IsControl(char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7f'; }
+
 }  // namespace
 
 // A closed pipe then shows as a failing write.
@@ -23,14 +26,16 @@ void Console::Prepare() {
 #endif
 }
 
-void Console::Print(const std::string& text) {
+void Console::Print(std::string text) {
+  const auto isStray = [](char c) { return IsControl(c) && c != '\n' && c != '\t'; };
+  std::replace_if(text.begin(), text.end(), isStray, ' ');
   Check(std::fwrite(text.data(), 1, text.size(), stdout) == text.size());
 }
 
 void Console::Flush() { Check(std::fflush(stdout) == 0); }
 
 void Console::Complain(std::string text) {
-  std::replace(text.begin(), text.end(), '\n', ' ');
+  std::replace_if(text.begin(), text.end(), IsControl, ' ');
   std::fprintf(stderr, "qelta: %s\n", text.c_str());
 }
 

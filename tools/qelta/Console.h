@@ -13,10 +13,11 @@ class Console {
   /// Must precede the first output.
   static void Prepare();
 
-  static void Print(const std::string& text);
+  /// Control characters other than line end and tab become blanks.
+  static void Print(std::string text);
   static void Flush();
 
-  /// One line on standard error, "qelta: ...".
+  /// One line on standard error, "qelta: ...", with blanks in place of control characters.
   static void Complain(std::string text);
 };
 

@@ -57,7 +57,9 @@ void AddFindCommand(CLI::App& app, Action& action) {
       app.add_subcommand("find", "List the blocks of a result file that a selection picks");
   command->add_option("FILE", options->file, "CalculiX result file (.frd)")->required();
   command->add_option("-w,--where", options->where, kPatternHelp)
+      ->expected(1)
       ->allow_extra_args(false)
+      ->take_all()
       ->type_name("FIELD=VALUE");
   command->add_flag("--running", options->acceptRunningJob,
                     "Accept a file that a running job still writes");

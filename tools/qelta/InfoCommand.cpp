@@ -2,6 +2,7 @@
 #include <FED_OnfInfoPool.h>
 #include <FrdSummary.h>
 #include <QeltaKeyValues.h>
+#include <QeltaNames.h>
 
 #include <algorithm>
 #include <memory>
@@ -19,6 +20,8 @@ namespace {
 using Key = FED_DataDescriptor;
 using Block = QeltaCountingSink::Block;
 
+constexpr std::size_t kLongList = 200;
+
 struct Options {
   std::string file;
   bool acceptRunningJob = false;
@@ -30,10 +33,24 @@ std::string Count(std::uint64_t number, const char* what) {
   return Number(number) + " " + what + (number == 1 ? "" : "s");
 }
 
-std::string Join(const std::vector<std::string>& texts) {
-  std::string list;
-  for (const std::string& text : texts) list += (list.empty() ? "" : ", ") + text;
-  return list;
+// The beginning and the end of a list that is longer than `limit`: "1, 3, 5, ..., 99".
+std::string Shorten(const std::string& list, std::size_t limit) {
+  const std::size_t last = list.rfind(", ");
+  if (list.size() <= limit || last == std::string::npos) return list;
+  const std::string end = ", ..." + list.substr(last);
+  const std::size_t cut = list.rfind(", ", limit - std::min(limit, end.size()));
+  return cut == std::string::npos ? list : list.substr(0, cut) + end;
+}
+
+// Four equal fields and more are counted: "I|60d".
+std::string ShortFormat(const std::string& format) {
+  std::string text;
+  for (std::size_t begin = 0, end = 0; begin < format.size(); begin = end) {
+    end = std::min(format.find_first_not_of(format[begin], begin), format.size());
+    const std::size_t count = end - begin;
+    text += count < 4 ? format.substr(begin, count) : Number(count) + format[begin];
+  }
+  return text;
 }
 
 std::string Mesh(const FrdFileSummary& summary) {
@@ -76,7 +93,7 @@ void PrintFile(const Options& options, const FrdFileSummary& summary) {
   add("model", summary.model);
   add("heading", summary.heading);
   add("written by", Origin(summary));
-  add("materials", Join(summary.materials));
+  add("materials", Shorten(Join(summary.materials), kLongList));
   add("mesh", Mesh(summary));
   if (summary.nodesWithoutCoordinates > 0) {
     add("note",
@@ -114,6 +131,11 @@ std::string ValueRange(const FrdStepSummary& step) {
                                               : lowest;
 }
 
+std::string Cell(const FED_IntSetIntvl<int>& set) {
+  constexpr std::size_t kLongCell = 20;
+  return Shorten(ToText(set), kLongCell);
+}
+
 void PrintSteps(const std::vector<FrdStepSummary>& steps) {
   if (steps.empty()) return;
   Table table({Table::Align::Right, Table::Align::Left, Table::Align::Left, Table::Align::Left,
@@ -121,7 +143,7 @@ void PrintSteps(const std::vector<FrdStepSummary>& steps) {
   table.Add({"step", "analysis", "frames", "increments", "modes", "values"});
   for (const FrdStepSummary& step : steps) {
     table.Add({step.step ? std::to_string(*step.step) : "", AnalysisName(step.analysis),
-               ToText(step.frames), ToText(step.increments), ToText(step.modes), ValueRange(step)});
+               Cell(step.frames), Cell(step.increments), Cell(step.modes), ValueRange(step)});
   }
   Console::Print("\nSteps\n" + table.ToString());
 }
@@ -172,8 +194,8 @@ void PrintBlocks(const std::vector<Block>& blocks) {
                Table::Align::Right, Table::Align::Right});
   table.Add({"ONF", "kind", "label", "format", "blocks", "records"});
   for (const KindRow& row : GroupByKind(blocks)) {
-    table.Add({row.onf == 0 ? "" : std::to_string(row.onf), row.kind, row.label, row.format,
-               Number(row.blocks), Number(row.records)});
+    table.Add({row.onf == 0 ? "" : std::to_string(row.onf), row.kind, row.label,
+               ShortFormat(row.format), Number(row.blocks), Number(row.records)});
   }
   Console::Print("\n" + Count(blocks.size(), "block") + "\n" + table.ToString());
 }
@@ -184,7 +206,7 @@ void PrintFields(const std::vector<Block>& blocks) {
   for (const Block& block : blocks) keys.push_back(block.key);
   Table table({Table::Align::Left, Table::Align::Left});
   for (std::size_t i = 0; i < Key::FIELD_COUNT; ++i) {
-    const std::string values = DescribeValues(keys, Key::CastIndex(i));
+    const std::string values = Shorten(DescribeValues(keys, Key::CastIndex(i)), kLongList);
     if (!values.empty()) table.Add({Key::RD_NAME_TYPE_ITEMS[i].name, values});
   }
   Console::Print("\nValues of the descriptor fields\n" + table.ToString());

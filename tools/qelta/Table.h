@@ -15,12 +15,16 @@ class Table {
   /// One cell for each column.
   void Add(std::vector<std::string> cells) { m_Rows.push_back(std::move(cells)); }
 
-  /// Each row on a line, indented by two blanks, with two blanks between columns. Lines wider than
-  /// a terminal are broken at blanks of their last cell.
+  /// Each row indented by two blanks, with two blanks between columns. Where that is wider than a
+  /// terminal, the widest left-aligned columns are narrowed and their cells broken, at blanks if
+  /// possible.
   std::string ToString() const;
 
  private:
-  std::vector<std::size_t> Widths() const;
+  std::vector<std::size_t> Widest(std::size_t (*measure)(const std::string&)) const;
+  void Narrow(std::vector<std::size_t>& widths) const;
+  std::string RowText(const std::vector<std::string>& row,
+                      const std::vector<std::size_t>& widths) const;
 
   std::vector<Align> m_Columns;
   std::vector<std::vector<std::string>> m_Rows;

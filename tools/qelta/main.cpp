@@ -1,8 +1,12 @@
 #include <FED_Exception.h>
 #include <FrdSource.h>
+#include <QeltaNames.h>
 
 #include <CLI/CLI.hpp>
 #include <exception>
+#include <new>
+#include <string>
+#include <vector>
 
 #include "Commands.h"
 #include "Console.h"
@@ -12,18 +16,28 @@ namespace {
 
 using namespace qelta;
 
+// What is wrong with the command, if that is what is wrong.
+std::string CommandComplaint(const CLI::App& app) {
+  if (!app.get_subcommands().empty()) return {};
+  std::vector<std::string> names;
+  for (const CLI::App* command : app.get_subcommands({})) names.push_back(command->get_name());
+  const std::string list = "the commands are " + Join(names) + ".";
+  const std::vector<std::string> words = app.remaining();
+  if (words.empty()) return "A command is missing; " + list;
+  if (words[0][0] == '-') return {};
+  return "There is no command '" + words[0] + "'; " + list + SuggestLike(words[0], names);
+}
+
 int Usage(const CLI::App& app, const CLI::ParseError& error) {
-  if (error.get_exit_code() == 0) {
-    Console::Print(app.help());
-    return EXIT_DONE;
-  }
-  Console::Complain(std::string(error.what()) + " (qelta --help says more)");
+  const std::string complaint = CommandComplaint(app);
+  Console::Complain((complaint.empty() ? error.what() : complaint) + " (qelta --help says more)");
   return EXIT_USAGE;
 }
 
 int Run(int argc, char** argv) {
   Action action;
   CLI::App app("Looks into the results of solvers and optimisers.", "qelta");
+  app.set_version_flag("--version", "qelta " QELTA_VERSION "\n", "Print the version and exit");
   app.footer(
       "Exit codes: 0 done, 1 nothing found, 2 usage, 3 damaged or unreadable input,\n"
       "4 input or output failure.");
@@ -32,6 +46,12 @@ int Run(int argc, char** argv) {
   try {
     app.parse(argc, argv);
     if (!action) throw CLI::RequiredError("A subcommand");
+  } catch (const CLI::CallForVersion& version) {
+    Console::Print(version.what());
+    return EXIT_DONE;
+  } catch (const CLI::Success&) {
+    Console::Print(app.help());
+    return EXIT_DONE;
   } catch (const CLI::ParseError& error) {
     return Usage(app, error);
   }
@@ -55,6 +75,9 @@ int RunGuarded(int argc, char** argv) {
   } catch (const FED_Exception& failure) {
     Console::Complain(failure.what());
     return failure.GetMessageId() == FrdSource::kReadErrorId ? EXIT_IO_FAILURE : EXIT_BAD_INPUT;
+  } catch (const std::bad_alloc&) {
+    Console::Complain("out of memory");
+    return EXIT_IO_FAILURE;
   } catch (const std::exception& error) {
     Console::Complain(error.what());
     return EXIT_IO_FAILURE;
