@@ -48,7 +48,7 @@ SinkAndContext CurrentSink() {
 void FED_LogMacros::log_msg(LogMsgType type, const char* file, int line, const char* location,
                             const char* format, ...) noexcept {
   std::string formatted;
-  const char* text = format != nullptr ? format : "";
+  const char* text = nullptr;
   std::va_list arguments;
   va_start(arguments, format);
   try {
@@ -56,6 +56,7 @@ void FED_LogMacros::log_msg(LogMsgType type, const char* file, int line, const c
     text = formatted.c_str();
   } catch (...) {
     // The bare format says more than silence.
+    text = format != nullptr ? format : "";
   }
   va_end(arguments);
   try {

@@ -25,7 +25,7 @@ const char* NameOf(qelta::MemoryArena::Kind kind) {
 template <class Array>
 void CopyTo(Array& out, const qelta::MemoryArena::Content& content) {
   out.Resize(content.bytes / sizeof(*out.data));
-  if (content.bytes > 0) std::memcpy(out.data, content.data, content.bytes);
+  if (out.data != nullptr) std::memcpy(out.data, content.data, content.bytes);
 }
 
 template <class Value>

@@ -13,6 +13,7 @@ FED_MemoryDatabase::FED_MemoryDatabase(const FED_MemoryDatabase& other)
 }
 
 FED_MemoryDatabase& FED_MemoryDatabase::operator=(const FED_MemoryDatabase& other) {
+  if (this == &other) return *this;
   FED_StorageDatabase::operator=(other);
   m_Store = other.m_Store;
   ExpectForeignBlocks();
