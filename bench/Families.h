@@ -10,6 +10,7 @@ void AddRecords(Suite& suite);
 void AddFieldData(Suite& suite);
 void AddIdMaps(Suite& suite);
 void AddEntryPoints(Suite& suite);
+void AddCopies(Suite& suite);
 void AddFrd(Suite& suite);
 
 }  // namespace qelta::bench

@@ -37,6 +37,7 @@ int main(int argc, char** argv) {
   qelta::bench::AddFieldData(suite);
   qelta::bench::AddIdMaps(suite);
   qelta::bench::AddEntryPoints(suite);
+  qelta::bench::AddCopies(suite);
   qelta::bench::AddFrd(suite);
   qelta::bench::RatioReporter reporter(suite);
   return benchmark::RunSpecifiedBenchmarks(&reporter) > 0 ? 0 : 1;

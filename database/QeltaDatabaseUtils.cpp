@@ -1,10 +1,13 @@
 #include "QeltaDatabaseUtils.h"
 
+#include <algorithm>
+
 #include "FED_ConstIdDataBlock.h"
 #include "FED_Failure.h"
 #include "FED_IdDataBlock.h"
 #include "FED_OnfMetaData.h"
 #include "RecordCursor.h"
+#include "RunCopy.h"
 
 namespace QeltaDatabaseUtils {
 namespace {
@@ -14,15 +17,56 @@ void RequireInitialized(const FED_Database& database, const char* message) {
   FED_Failure::Throw("", "|%P|QeltaDbConnector|QeltaDatabaseUtils", "%s", message);
 }
 
+bool OffersRuns(const FED_DataBlock& indices, const FED_DataBlock& to) {
+  // The target's own indices may change while they are walked.
+  return &indices != &to && dynamic_cast<const FED_RecordRuns*>(&indices) != nullptr;
+}
+
+bool OffersRuns(const std::vector<std::size_t>&, const FED_DataBlock&) { return true; }
+
+// Calls use(first, count) for the runs of a selection, in order, `longest` indices at a time.
+template <class Use>
+void ForEachRun(const FED_DataBlock& indices, std::size_t longest, Use use) {
+  for (const auto& run : indices.GetRecordIndices()) {
+    const std::size_t end = static_cast<std::size_t>(run.hi) + 1;
+    for (std::size_t first = static_cast<std::size_t>(run.lo); first < end; first += longest) {
+      use(first, std::min(longest, end - first));
+    }
+  }
+}
+
+template <class Use>
+void ForEachRun(const std::vector<std::size_t>& indices, std::size_t longest, Use use) {
+  for (std::size_t i = 0; i < indices.size();) {
+    const std::size_t most = std::min(longest, indices.size() - i);
+    const std::size_t count = qelta::CountConsecutive(&indices[i], most);
+    use(indices[i], count);
+    i += count;
+  }
+}
+
+template <class Indices, class CopyOne>
+void CopyAll(const Indices& indices, const FED_DataBlock& to, qelta::RunCopy runs,
+             CopyOne copyOne) {
+  if (runs.GetLongest() == 0 || !OffersRuns(indices, to)) {
+    for (const std::size_t index : indices) copyOne(index);
+    return;
+  }
+  ForEachRun(indices, runs.GetLongest(), [&](std::size_t first, std::size_t count) {
+    if (runs.TryCopy(first, count)) return;
+    for (std::size_t i = 0; i < count; ++i) copyOne(first + i);
+  });
+}
+
 template <class Indices>
 void CopyByIndex(const FED_DataBlock& from, FED_DataBlock& to, const Indices& indices) {
   const qelta::RecordReader reader(from);
   const qelta::RecordWriter writer(to);
-  for (const std::size_t index : indices) {
+  CopyAll(indices, to, qelta::RunCopy(from, to), [&](std::size_t index) {
     from.GetRecord(index, *reader);
     *writer = *reader;
     to.SetRecord(index, *writer);
-  }
+  });
 }
 
 using IdReader = qelta::ScopedCursor<const FED_ConstIdDataBlock, FED_ConstIdDataRecord>;
@@ -31,27 +75,29 @@ using IdWriter = qelta::ScopedCursor<FED_IdDataBlock, FED_IdDataRecord>;
 // keyOf gives the id or the name of the record at an index.
 template <class Indices, class KeyOf>
 void CopyByKey(const FED_ConstIdDataBlock& from, FED_IdDataBlock& to, const Indices& indices,
-               KeyOf keyOf) {
+               const qelta::RunCopy& runs, KeyOf keyOf) {
   const IdReader reader(from);
   const IdWriter writer(to);
-  for (const std::size_t index : indices) {
+  CopyAll(indices, to.GetDataBlock(), runs, [&](std::size_t index) {
     const auto key = keyOf(index);
     from.GetRecord(key, *reader);
     *writer = *reader;
     to.SetRecord(key, *writer);
-  }
+  });
 }
 
 template <class Indices>
-void CopyThroughMaps(const FED_DataBlock& from, const FED_IdMapsPool& fromMaps, FED_DataBlock& to,
-                     FED_IdMapsPool& toMaps, const Indices& indices) {
-  const FED_ConstIdDataBlock readView(from, fromMaps);
-  FED_IdDataBlock writeView(to, toMaps, false);
+void CopyThroughMaps(const FED_DataBlock& from, const FED_Database& source, FED_Database& target,
+                     const FED_DataDescriptor& key, const Indices& indices) {
+  const FED_ConstIdDataBlock readView(from, source.GetIdMapsPool());
+  FED_DataBlock& to = target.FetchDataBlock(key, std::size_t{0});
+  FED_IdDataBlock writeView(to, target.GetIdMapsPool(), false);
   if (FED_ID_TYPE_INFO[from.GetPrimaryIdType()].named == 1) {
-    CopyByKey(readView, writeView, indices,
+    CopyByKey(readView, writeView, indices, qelta::RunCopy(),
               [&](std::size_t index) { return readView.GetName(index); });
   } else {
     CopyByKey(readView, writeView, indices,
+              qelta::RunCopy(from, source.GetIdMapsPool(), to, target.GetIdMapsPool()),
               [&](std::size_t index) { return readView.GetId(index); });
   }
 }
@@ -61,8 +107,7 @@ void CopyBlock(const FED_Database& source, FED_Database& target, const CopyJob& 
                const Indices& indices) {
   const FED_DataBlock& from = source.GetDataBlock(job.first);
   if (from.GetDescriptor().Has(FED_DataDescriptor::ONF)) {
-    FED_DataBlock& to = target.FetchDataBlock(job.second, std::size_t{0});
-    CopyThroughMaps(from, source.GetIdMapsPool(), to, target.GetIdMapsPool(), indices);
+    CopyThroughMaps(from, source, target, job.second, indices);
     return;
   }
   FED_DataBlock& to =

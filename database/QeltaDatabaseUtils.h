@@ -14,6 +14,10 @@
 /// and references inside them are translated: the two databases may number differently. Custom
 /// blocks are copied index for index. A target block that is absent is made. A failure ends the
 /// copy; what was copied before it stays in the target, and no cursor is left behind.
+///
+/// Blocks of catalogued kinds take a key with ONF in the target, too. Blocks that offer
+/// `FED_RecordRuns` and hold nothing but values move in whole runs, with the same result; only new
+/// ids may be registered before a record that then finds no room.
 namespace QeltaDatabaseUtils {
 
 enum EmptyBlockAction : std::int32_t {
@@ -21,7 +25,8 @@ enum EmptyBlockAction : std::int32_t {
   COPY_EMPTY_BLOCKS = 1  ///< makes the target block all the same
 };
 
-/// The block in the source, and the block to write in the target.
+/// The block in the source, and the block to write in the target. A key remembers where a database
+/// found it: one that was used with another database is given as its `Duplicate()`.
 using CopyJob = std::pair<FED_DataDescriptor, FED_DataDescriptor>;
 
 /// Copies every block that the pattern selects under the same key; a block selected under several

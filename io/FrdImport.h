@@ -3,6 +3,7 @@
 #include <FED_Database.h>
 
 #include <filesystem>
+#include <vector>
 
 #include "FrdReader.h"
 
@@ -15,5 +16,10 @@ namespace qelta {
 /// lack. After a failure the blocks that were read stay, the last of them perhaps in part.
 bool ImportFrd(const std::filesystem::path& path, FED_Database& database,
                const FrdReadOptions& options = {});
+
+/// The same for the blocks of the given keys alone; the id maps grow by all that the file numbers.
+bool ImportFrdBlocks(const std::filesystem::path& path, FED_Database& database,
+                     const std::vector<FED_DataDescriptor>& keys,
+                     const FrdReadOptions& options = {});
 
 }  // namespace qelta

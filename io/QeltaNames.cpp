@@ -62,7 +62,7 @@ std::string SuggestLike(const std::string& name, const std::vector<std::string>&
 
 std::string Suggest(const std::string& name, const std::vector<std::string>& known) {
   constexpr std::size_t kShortList = 14;
-  const std::string like = SuggestLike(name, known);
+  std::string like = SuggestLike(name, known);
   if (!like.empty() || known.size() > kShortList) return like;
   return " Known are " + Join(known) + ".";
 }

@@ -53,9 +53,11 @@ class FakeBlock : public FED_DataBlock {
     return m_Records.count(index) != 0;
   }
   void SetRecord(std::size_t index, const FED_DataRecord& record) override {
+    Note("SetRecord", index);
     std::memcpy(Bytes(index), RecordBuffer(record), GetRecordSize());
   }
   void GetRecord(std::size_t index, FED_ConstDataRecord& record) const override {
+    Note("GetRecord", index);
     std::memcpy(RecordBuffer(record), m_Records.at(index).data(), GetRecordSize());
   }
   std::int64_t GetMaxIndex() const override {
@@ -64,14 +66,14 @@ class FakeBlock : public FED_DataBlock {
   }
   void Reserve(std::size_t count) override { Note("Reserve", count); }
 
-  void SetInteger(std::size_t index, int value) override { Write(index, &value, 1); }
-  int GetInteger(std::size_t index) const override { return ReadOne<int>(index); }
-  void SetScalar(std::size_t index, double value) override { Write(index, &value, 1); }
-  double GetScalar(std::size_t index) const override { return ReadOne<double>(index); }
-  void SetVector(std::size_t index, const double* v) override { Write(index, v, 3); }
-  void GetVector(std::size_t index, double* v) const override { Read(index, v, 3); }
-  void SetTensor(std::size_t index, const double* v) override { Write(index, v, 6); }
-  void GetTensor(std::size_t index, double* v) const override { Read(index, v, 6); }
+  void SetInteger(std::size_t index, int value) override { Write("SetInteger", index, &value, 1); }
+  int GetInteger(std::size_t index) const override { return ReadOne<int>("GetInteger", index); }
+  void SetScalar(std::size_t index, double value) override { Write("SetScalar", index, &value, 1); }
+  double GetScalar(std::size_t index) const override { return ReadOne<double>("GetScalar", index); }
+  void SetVector(std::size_t index, const double* v) override { Write("SetVector", index, v, 3); }
+  void GetVector(std::size_t index, double* v) const override { Read("GetVector", index, v, 3); }
+  void SetTensor(std::size_t index, const double* v) override { Write("SetTensor", index, v, 6); }
+  void GetTensor(std::size_t index, double* v) const override { Read("GetTensor", index, v, 6); }
 
   void FlushDestroy() override { Note("FlushDestroy"); }
 
@@ -126,17 +128,19 @@ class FakeBlock : public FED_DataBlock {
     return m_Records.try_emplace(index, GetRecordSize()).first->second.data();
   }
   template <class T>
-  void Write(std::size_t index, const T* values, std::size_t count) {
+  void Write(const char* operation, std::size_t index, const T* values, std::size_t count) {
+    Note(operation, index);
     std::memcpy(Bytes(index), values, count * sizeof(T));
   }
   template <class T>
-  void Read(std::size_t index, T* values, std::size_t count) const {
+  void Read(const char* operation, std::size_t index, T* values, std::size_t count) const {
+    Note(operation, index);
     std::memcpy(values, m_Records.at(index).data(), count * sizeof(T));
   }
   template <class T>
-  T ReadOne(std::size_t index) const {
+  T ReadOne(const char* operation, std::size_t index) const {
     T value;
-    Read(index, &value, 1);
+    Read(operation, index, &value, 1);
     return value;
   }
 

@@ -49,12 +49,13 @@ class FakeDatabase : public FED_Database {
   std::vector<std::string> created;
   FakeBlock::Calls* blockCalls = nullptr;
 
- private:
+ protected:
   FED_DataBlock& Register(const FED_DataDescriptor& descriptor, FED_DataBlock* block) {
     m_BlockSet.StoreDataBlockInstance(descriptor, block);
     return *block;
   }
 
+ private:
   FED_IdMapsPool m_Pool;
 };
 

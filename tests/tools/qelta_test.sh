@@ -55,6 +55,18 @@ expect 0 find "$text"
 counts 48
 expect 1 find "$text" -w LAYER=1
 
+expect 0 show "$text" -w LABEL=DISP -w INCREMENT=max --id 9,18
+counts 5
+prints "  node  DISPLACEMENT.x  DISPLACEMENT.y  DISPLACEMENT.z"
+[ "$(awk 'NR > 3 { print $1 }' "$out" | xargs)" = "9 18" ] || fail "not the rows of nodes 9 and 18"
+expect 0 show "$text" -w ONF=element_topology --head 1
+prints "1 2 11 10 28 29 38 37"
+expect 0 show "$text" -w ONF=element_attributes --id 16
+prints "STEEL"
+expect 1 show "$text" -w LAYER=1
+"$qelta" show "$text" -w LABEL=FORC -w INCREMENT=max --id 1,99 >"$out" 2>"$err" || fail "show with one unknown id"
+complains "no record of node 99"
+
 expect 0 --help
 prints "Exit codes"
 expect 0 --version

@@ -13,5 +13,6 @@ using Action = std::function<int()>;
 // outlive the application.
 void AddInfoCommand(CLI::App& app, Action& action);
 void AddFindCommand(CLI::App& app, Action& action);
+void AddShowCommand(CLI::App& app, Action& action);
 
 }  // namespace qelta

@@ -43,6 +43,7 @@ int Run(int argc, char** argv) {
       "4 input or output failure.");
   AddInfoCommand(app, action);
   AddFindCommand(app, action);
+  AddShowCommand(app, action);
   try {
     app.parse(argc, argv);
     if (!action) throw CLI::RequiredError("A subcommand");
