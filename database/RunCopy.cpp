@@ -10,7 +10,7 @@ namespace qelta {
 namespace {
 
 // A chunk is to stay in the cache between being read and being written.
-constexpr std::size_t kChunkBytes = 128 * 1024;
+constexpr std::size_t kChunkBytes = std::size_t{128} * 1024;
 
 bool IsBytesOnly(BlockDataType type) {
   return type != BLOCK_DATA_STRING && type != BLOCK_DATA_INT_SET && type != BLOCK_DATA_INT_LIST &&
@@ -79,7 +79,7 @@ bool RunCopy::FindMaps(const FED_DataBlock& from, const FED_IdMapsPool& fromMaps
 
 bool RunCopy::TryCopy(std::size_t first, std::size_t count) {
   try {
-    Copy(first, count);
+    for (std::size_t done = 0; done < count;) done += CopySome(first + done, count - done);
     return true;
   } catch (...) {
     return false;
@@ -87,16 +87,20 @@ bool RunCopy::TryCopy(std::size_t first, std::size_t count) {
 }
 
 // Everything that can fail for a single record of the source comes before the target is touched.
-void RunCopy::Copy(std::size_t first, std::size_t count) {
-  m_Records.resize(count * m_RecordSize);
-  if (m_FromMap == nullptr) {
+std::size_t RunCopy::CopySome(std::size_t first, std::size_t count) {
+  const void* records = m_From->FindRun(first, count);
+  if (records == nullptr) {
+    m_Records.resize(count * m_RecordSize);
     m_From->ReadRun(first, count, m_Records.data());
-    m_To->WriteRun(first, count, m_Records.data());
+    records = m_Records.data();
+  }
+  if (m_FromMap == nullptr) {
+    m_To->WriteRun(first, count, records);
   } else {
     ReadIds(first, count);
-    m_From->ReadRun(first, count, m_Records.data());
-    WriteByIds(count);
+    WriteByIds(count, static_cast<const unsigned char*>(records));
   }
+  return count;
 }
 
 void RunCopy::ReadIds(std::size_t first, std::size_t count) {
@@ -106,7 +110,7 @@ void RunCopy::ReadIds(std::size_t first, std::size_t count) {
   }
 }
 
-void RunCopy::WriteByIds(std::size_t count) {
+void RunCopy::WriteByIds(std::size_t count, const unsigned char* records) {
   m_Targets.resize(count);
   for (std::size_t i = 0; i < count; ++i) {
     m_Targets[i] = static_cast<std::size_t>(m_RegistersIds ? m_ToMap->IndexOfIdForWrite(m_Ids[i])
@@ -114,7 +118,7 @@ void RunCopy::WriteByIds(std::size_t count) {
   }
   for (std::size_t i = 0; i < count;) {
     const std::size_t length = CountConsecutive(&m_Targets[i], count - i);
-    m_To->WriteRun(m_Targets[i], length, m_Records.data() + i * m_RecordSize);
+    m_To->WriteRun(m_Targets[i], length, records + i * m_RecordSize);
     i += length;
   }
 }

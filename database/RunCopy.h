@@ -34,9 +34,9 @@ class RunCopy {
  private:
   bool FindMaps(const FED_DataBlock& from, const FED_IdMapsPool& fromMaps, const FED_DataBlock& to,
                 FED_IdMapsPool& toMaps);
-  void Copy(std::size_t first, std::size_t count);
+  std::size_t CopySome(std::size_t first, std::size_t count);
   void ReadIds(std::size_t first, std::size_t count);
-  void WriteByIds(std::size_t count);
+  void WriteByIds(std::size_t count, const unsigned char* records);
 
   const FED_RecordRuns* m_From = nullptr;
   FED_RecordRuns* m_To = nullptr;

@@ -77,6 +77,18 @@ void Database_AddName_F(FED_Database* database, const std::int32_t* idType,
   qelta::RunWithStatus(kLocation, status, work, database, idType, index, id, name);
 }
 
+void Database_AddNames_F(FED_Database* database, const std::int32_t* idType,
+                         const std::int64_t* firstIndex, const std::int32_t* ids, const char* names,
+                         const std::int32_t* nameLength, const std::int64_t* count,
+                         std::int32_t* status) noexcept {
+  const auto work = [&] {
+    const std::vector<std::string> split = SplitNames(names, *nameLength, CountOf(*count));
+    MapToFill(*database, *idType).Add(ids, split.data(), split.size(), *firstIndex);
+  };
+  qelta::RunWithStatus(kLocation, status, work, database, idType, firstIndex, ids, names,
+                       nameLength, count);
+}
+
 void Database_IndexOfId_F(FED_Database* database, const std::int32_t* idType,
                           const std::int32_t* id, std::int64_t* index,
                           std::int32_t* status) noexcept {
@@ -202,6 +214,42 @@ void IdView_SetTensor_F(FED_IdDataBlock* view, const std::int32_t* id, const dou
                         std::int32_t* status) noexcept {
   const auto work = [&] { view->SetTensor(*id, values); };
   qelta::RunWithStatus(kLocation, status, work, view, id, values);
+}
+
+void IdView_GetScalar_Name_F(FED_IdDataBlock* view, const char* name, double* value,
+                             std::int32_t* status) noexcept {
+  const auto work = [&] { view->GetScalar(std::string(name), *value); };
+  qelta::RunWithStatus(kLocation, status, work, view, name, value);
+}
+
+void IdView_SetScalar_Name_F(FED_IdDataBlock* view, const char* name, const double* value,
+                             std::int32_t* status) noexcept {
+  const auto work = [&] { view->SetScalar(std::string(name), *value); };
+  qelta::RunWithStatus(kLocation, status, work, view, name, value);
+}
+
+void IdView_GetVector_Name_F(FED_IdDataBlock* view, const char* name, double* values,
+                             std::int32_t* status) noexcept {
+  const auto work = [&] { view->GetVector(std::string(name), values); };
+  qelta::RunWithStatus(kLocation, status, work, view, name, values);
+}
+
+void IdView_SetVector_Name_F(FED_IdDataBlock* view, const char* name, const double* values,
+                             std::int32_t* status) noexcept {
+  const auto work = [&] { view->SetVector(std::string(name), values); };
+  qelta::RunWithStatus(kLocation, status, work, view, name, values);
+}
+
+void IdView_GetTensor_Name_F(FED_IdDataBlock* view, const char* name, double* values,
+                             std::int32_t* status) noexcept {
+  const auto work = [&] { view->GetTensor(std::string(name), values); };
+  qelta::RunWithStatus(kLocation, status, work, view, name, values);
+}
+
+void IdView_SetTensor_Name_F(FED_IdDataBlock* view, const char* name, const double* values,
+                             std::int32_t* status) noexcept {
+  const auto work = [&] { view->SetTensor(std::string(name), values); };
+  qelta::RunWithStatus(kLocation, status, work, view, name, values);
 }
 
 void IdView_CreateRecord_F(FED_IdDataBlock* view, FED_IdDataRecord** record,

@@ -30,6 +30,14 @@ QELTA_FORTRAN_EXPORT void Database_AddName_F(FED_Database* database, const int32
                                              const char* name,
                                              int32_t* status) QELTA_ENTRY_NOEXCEPT;
 
+/* Registers `count` entities with their names, each `*nameLength` characters of which trailing
+ * blanks are dropped, one behind the other, at the indices from `*firstIndex` on. */
+QELTA_FORTRAN_EXPORT void Database_AddNames_F(FED_Database* database, const int32_t* idType,
+                                              const int64_t* firstIndex, const int32_t* ids,
+                                              const char* names, const int32_t* nameLength,
+                                              const int64_t* count,
+                                              int32_t* status) QELTA_ENTRY_NOEXCEPT;
+
 /* The index of a known id. */
 QELTA_FORTRAN_EXPORT void Database_IndexOfId_F(FED_Database* database, const int32_t* idType,
                                                const int32_t* id, int64_t* index,
@@ -62,7 +70,7 @@ QELTA_FORTRAN_EXPORT void Database_MaxIndexOfIds_F(FED_Database* database, const
                                                    int32_t* status) QELTA_ENTRY_NOEXCEPT;
 
 /* Copies the blocks that the pattern selects from one database to another, which may number
- * differently: records travel by id, or by name where their id type has names; references by id;
+ * differently: records travel by id, or by name where their id type has names; references likewise;
  * custom blocks index for index. Blocks without records are copied when `*copyEmpty` is not 0.
  * `copied` is the number of blocks; after a failure, what was copied stays. */
 QELTA_FORTRAN_EXPORT void Database_CopyBlocks_F(FED_Database* source, FED_Database* target,
@@ -117,6 +125,31 @@ QELTA_FORTRAN_EXPORT void IdView_GetTensor_F(FED_IdDataBlock* view, const int32_
 QELTA_FORTRAN_EXPORT void IdView_SetTensor_F(FED_IdDataBlock* view, const int32_t* id,
                                              const double* values,
                                              int32_t* status) QELTA_ENTRY_NOEXCEPT;
+
+/* The same by name. */
+QELTA_FORTRAN_EXPORT void IdView_GetScalar_Name_F(FED_IdDataBlock* view, const char* name,
+                                                  double* value,
+                                                  int32_t* status) QELTA_ENTRY_NOEXCEPT;
+
+QELTA_FORTRAN_EXPORT void IdView_SetScalar_Name_F(FED_IdDataBlock* view, const char* name,
+                                                  const double* value,
+                                                  int32_t* status) QELTA_ENTRY_NOEXCEPT;
+
+QELTA_FORTRAN_EXPORT void IdView_GetVector_Name_F(FED_IdDataBlock* view, const char* name,
+                                                  double* values,
+                                                  int32_t* status) QELTA_ENTRY_NOEXCEPT;
+
+QELTA_FORTRAN_EXPORT void IdView_SetVector_Name_F(FED_IdDataBlock* view, const char* name,
+                                                  const double* values,
+                                                  int32_t* status) QELTA_ENTRY_NOEXCEPT;
+
+QELTA_FORTRAN_EXPORT void IdView_GetTensor_Name_F(FED_IdDataBlock* view, const char* name,
+                                                  double* values,
+                                                  int32_t* status) QELTA_ENTRY_NOEXCEPT;
+
+QELTA_FORTRAN_EXPORT void IdView_SetTensor_Name_F(FED_IdDataBlock* view, const char* name,
+                                                  const double* values,
+                                                  int32_t* status) QELTA_ENTRY_NOEXCEPT;
 
 /* Makes a record cursor of the view. */
 QELTA_FORTRAN_EXPORT void IdView_CreateRecord_F(FED_IdDataBlock* view, FED_IdDataRecord** record,

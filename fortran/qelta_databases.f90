@@ -37,6 +37,7 @@ module qelta_databases
     !> `id_type_...`. What a map does not know fails.
     procedure :: add_ids => database_add_ids
     procedure :: add_name => database_add_name
+    procedure :: add_names => database_add_names
     procedure :: index_of_id => database_index_of_id
     procedure :: id_of_index => database_id_of_index
     procedure :: index_of_name => database_index_of_name
@@ -206,9 +207,14 @@ contains
     type(c_ptr) :: database
     integer(int32) :: code
     integer :: i
+    character(1100) :: text
     if (.not. resolve(self, database, status, message)) return
     if (has_children(self%held)) then
-      call self%find_blocks(pattern, keys)
+      call self%find_blocks(pattern, keys, code, text)
+      if (code /= qelta_ok) then
+        call fail(trim(text), status, message)
+        return
+      end if
       do i = 1, size(keys)
         call release_records_of(self%held, database, keys(i))
       end do
@@ -246,7 +252,7 @@ contains
     if (.not. resolve(self, database, status, message)) return
     made = 0
     call Database_CreateAlias_F(database, existing%layout, alias%layout, made, code)
-    if (present(created)) created = made == 1
+    if (present(created) .and. code == qelta_ok) created = made == 1
     if (code == qelta_ok .and. made == 0 .and. .not. present(created)) then
       call fail(alias%text()//' cannot be an alias of '//existing%text()//'.', status, message)
     else
@@ -287,6 +293,30 @@ contains
     integer(int32) :: code
     if (.not. resolve(self, database, status, message)) return
     call Database_AddName_F(database, id_type, int(index, int64), id, for_c(trim(name)), code)
+    call conclude(code, status, message)
+  end subroutine
+
+  !> Registers ids with their names at the indices from `first_index` (0) on; trailing blanks do not
+  !> count.
+  subroutine database_add_names(self, id_type, ids, names, first_index, status, message)
+    class(qelta_database), intent(in) :: self
+    integer(int32), intent(in) :: id_type, ids(:)
+    character(*), intent(in) :: names(:)
+    integer(int32), intent(in), optional :: first_index
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    type(c_ptr) :: database
+    integer(int32) :: code
+    integer(int64) :: first
+    if (.not. resolve(self, database, status, message)) return
+    if (size(ids) /= size(names)) then
+      call fail('add_names needs as many names as ids.', status, message)
+      return
+    end if
+    first = 0
+    if (present(first_index)) first = first_index
+    call Database_AddNames_F(database, id_type, first, ids, names, len(names), size(ids, kind=int64), &
+                             code)
     call conclude(code, status, message)
   end subroutine
 
@@ -377,7 +407,7 @@ contains
   end function
 
   !> Copies the blocks that the pattern selects into another database, which may number differently:
-  !> records travel by id, or by name where their id type has names; references by id; custom blocks
+  !> records travel by id, or by name where their id type has names; references likewise; custom blocks
   !> index for index. Blocks without records are copied when `copy_empty` (false) is true. `copied`
   !> is the number of blocks; after a failure what was copied stays.
   subroutine database_copy_blocks(self, target, pattern, copy_empty, copied, status, message)

@@ -27,6 +27,15 @@ module qelta_id_bindings
       character(kind=c_char), intent(in) :: name(*)
       integer(c_int32_t), intent(out) :: status
     end subroutine
+    subroutine Database_AddNames_F(database, id_type, first_index, ids, names, name_length, count, &
+                                   status) bind(c, name='Database_AddNames_F')
+      import
+      type(c_ptr), value :: database
+      integer(c_int32_t), intent(in) :: id_type, ids(*), name_length
+      integer(c_int64_t), intent(in) :: first_index, count
+      character(kind=c_char), intent(in) :: names(*)
+      integer(c_int32_t), intent(out) :: status
+    end subroutine
     subroutine Database_IndexOfId_F(database, id_type, id, index, status) &
         bind(c, name='Database_IndexOfId_F')
       import
@@ -165,6 +174,54 @@ module qelta_id_bindings
       import
       type(c_ptr), value :: view
       integer(c_int32_t), intent(in) :: id
+      real(c_double), intent(in) :: values(6)
+      integer(c_int32_t), intent(out) :: status
+    end subroutine
+    subroutine IdView_GetScalar_Name_F(view, name, value, status) &
+        bind(c, name='IdView_GetScalar_Name_F')
+      import
+      type(c_ptr), value :: view
+      character(kind=c_char), intent(in) :: name(*)
+      real(c_double), intent(inout) :: value
+      integer(c_int32_t), intent(out) :: status
+    end subroutine
+    subroutine IdView_SetScalar_Name_F(view, name, value, status) &
+        bind(c, name='IdView_SetScalar_Name_F')
+      import
+      type(c_ptr), value :: view
+      character(kind=c_char), intent(in) :: name(*)
+      real(c_double), intent(in) :: value
+      integer(c_int32_t), intent(out) :: status
+    end subroutine
+    subroutine IdView_GetVector_Name_F(view, name, values, status) &
+        bind(c, name='IdView_GetVector_Name_F')
+      import
+      type(c_ptr), value :: view
+      character(kind=c_char), intent(in) :: name(*)
+      real(c_double), intent(inout) :: values(3)
+      integer(c_int32_t), intent(out) :: status
+    end subroutine
+    subroutine IdView_SetVector_Name_F(view, name, values, status) &
+        bind(c, name='IdView_SetVector_Name_F')
+      import
+      type(c_ptr), value :: view
+      character(kind=c_char), intent(in) :: name(*)
+      real(c_double), intent(in) :: values(3)
+      integer(c_int32_t), intent(out) :: status
+    end subroutine
+    subroutine IdView_GetTensor_Name_F(view, name, values, status) &
+        bind(c, name='IdView_GetTensor_Name_F')
+      import
+      type(c_ptr), value :: view
+      character(kind=c_char), intent(in) :: name(*)
+      real(c_double), intent(inout) :: values(6)
+      integer(c_int32_t), intent(out) :: status
+    end subroutine
+    subroutine IdView_SetTensor_Name_F(view, name, values, status) &
+        bind(c, name='IdView_SetTensor_Name_F')
+      import
+      type(c_ptr), value :: view
+      character(kind=c_char), intent(in) :: name(*)
       real(c_double), intent(in) :: values(6)
       integer(c_int32_t), intent(out) :: status
     end subroutine

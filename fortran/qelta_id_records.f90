@@ -17,7 +17,8 @@ module qelta_id_records
   !> A cursor of an id view, which `get_record` of the view fills and `set_record` stores. Owned and
   !> released as a `qelta_record` is, and with its view. Fields count from 1; those that refer to
   !> other entities are stored as indices and given as ids or names. Where a field's type does not
-  !> fit, get and set fail. Setting registers an id or name that is not known.
+  !> fit, get and set fail. Setting registers an id or name that is not known
+  !> where the kind describes the model itself (topology, groups); else it fails.
   type :: qelta_id_record
     private
     type(ticket) :: cursor
@@ -84,8 +85,17 @@ contains
     if (id_type_of(held, field) == id_type_record_index) then
       text_cursor = field_cursor(held, field, [block_data_string], cursor, status, message)
     else
-      text_cursor = field_cursor(held, field, integer_types, cursor, status, message)
+      text_cursor = field_cursor(held, field, number_types(held, field), cursor, status, message)
     end if
+  end function
+
+  ! What a field may be that holds a number or refers to an entity by its id or name.
+  function number_types(held, field) result(types)
+    type(ticket), intent(in) :: held
+    integer(int32), intent(in) :: field
+    integer(int32), allocatable :: types(:)
+    types = integer_types
+    if (id_type_of(held, field) /= id_type_record_index) types = [integer_types, block_data_string]
   end function
 
   subroutine get_integer(self, field, value, status, message)
@@ -96,7 +106,8 @@ contains
     character(*), intent(inout), optional :: message
     type(c_ptr) :: cursor
     integer(int32) :: code
-    if (.not. field_cursor(self%cursor, field, integer_types, cursor, status, message)) return
+    if (.not. field_cursor(self%cursor, field, number_types(self%cursor, field), cursor, &
+      status, message)) return
     call IdRecord_GetInteger_F(cursor, field, value, code)
     call conclude(code, status, message)
   end subroutine
@@ -109,7 +120,8 @@ contains
     character(*), intent(inout), optional :: message
     type(c_ptr) :: cursor
     integer(int32) :: code
-    if (.not. field_cursor(self%cursor, field, integer_types, cursor, status, message)) return
+    if (.not. field_cursor(self%cursor, field, number_types(self%cursor, field), cursor, &
+      status, message)) return
     call IdRecord_SetInteger_F(cursor, field, value, code)
     call conclude(code, status, message)
   end subroutine

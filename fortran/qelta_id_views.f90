@@ -27,9 +27,10 @@ module qelta_id_views
     procedure :: open => view_open
     !> has_record(id), has_record(name): false also where the id or name is not known.
     generic :: has_record => has_record_by_id, has_record_by_name
-    !> get(id, value), set(id, value): a double, or 3 or 6 doubles, in the first such field.
-    generic :: get => get_scalar, get_components
-    generic :: set => set_scalar, set_components
+    !> get(id, value), set(id, value), or with a name: a double, or 3 or 6 doubles, in the first such
+    !> field.
+    generic :: get => get_scalar, get_components, get_scalar_by_name, get_components_by_name
+    generic :: set => set_scalar, set_components, set_scalar_by_name, set_components_by_name
     procedure :: create_record => view_create_record
     !> get_record(id, record), get_record(name, record): fills the cursor.
     generic :: get_record => get_record_by_id, get_record_by_name
@@ -40,6 +41,8 @@ module qelta_id_views
     generic :: assignment(=) => assign_view
     procedure, private :: has_record_by_id, has_record_by_name
     procedure, private :: get_scalar, get_components, set_scalar, set_components
+    procedure, private :: get_scalar_by_name, get_components_by_name
+    procedure, private :: set_scalar_by_name, set_components_by_name
     procedure, private :: get_record_by_id, get_record_by_name
     procedure, private :: set_record_by_id, set_record_by_name
     procedure, private :: assign_view
@@ -173,6 +176,68 @@ contains
       call IdView_SetVector_F(view, id, values, code)
     else
       call IdView_SetTensor_F(view, id, values, code)
+    end if
+    call conclude(code, status, message)
+  end subroutine
+
+  subroutine get_scalar_by_name(self, name, value, status, message)
+    class(qelta_id_view), intent(in) :: self
+    character(*), intent(in) :: name
+    real(real64), intent(inout) :: value
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    type(c_ptr) :: view
+    integer(int32) :: code
+    if (.not. resolve(self, view, status, message)) return
+    call IdView_GetScalar_Name_F(view, for_c(trim(name)), value, code)
+    call conclude(code, status, message)
+  end subroutine
+
+  subroutine set_scalar_by_name(self, name, value, status, message)
+    class(qelta_id_view), intent(in) :: self
+    character(*), intent(in) :: name
+    real(real64), intent(in) :: value
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    type(c_ptr) :: view
+    integer(int32) :: code
+    if (.not. resolve(self, view, status, message)) return
+    call IdView_SetScalar_Name_F(view, for_c(trim(name)), value, code)
+    call conclude(code, status, message)
+  end subroutine
+
+  subroutine get_components_by_name(self, name, values, status, message)
+    class(qelta_id_view), intent(in) :: self
+    character(*), intent(in) :: name
+    real(real64), intent(inout), contiguous :: values(:)
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    type(c_ptr) :: view
+    integer(int32) :: code
+    if (.not. is_vector_or_tensor(size(values), status, message)) return
+    if (.not. resolve(self, view, status, message)) return
+    if (size(values) == 3) then
+      call IdView_GetVector_Name_F(view, for_c(trim(name)), values, code)
+    else
+      call IdView_GetTensor_Name_F(view, for_c(trim(name)), values, code)
+    end if
+    call conclude(code, status, message)
+  end subroutine
+
+  subroutine set_components_by_name(self, name, values, status, message)
+    class(qelta_id_view), intent(in) :: self
+    character(*), intent(in) :: name
+    real(real64), intent(in), contiguous :: values(:)
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    type(c_ptr) :: view
+    integer(int32) :: code
+    if (.not. is_vector_or_tensor(size(values), status, message)) return
+    if (.not. resolve(self, view, status, message)) return
+    if (size(values) == 3) then
+      call IdView_SetVector_Name_F(view, for_c(trim(name)), values, code)
+    else
+      call IdView_SetTensor_Name_F(view, for_c(trim(name)), values, code)
     end if
     call conclude(code, status, message)
   end subroutine

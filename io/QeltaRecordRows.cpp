@@ -17,7 +17,9 @@ const FED_OnfMetaData& MetaDataOf(const FED_DataBlock& block) {
 FED_IdType KeyTypeOf(const FED_DataBlock& block, const FED_OnfMetaData& metaData) {
   const Descriptor& key = block.GetDescriptor();
   if (key.Has(Descriptor::ONF) || !key.Has(Descriptor::ID_TYPE)) return metaData.idTypes.front();
-  return static_cast<FED_IdType>(key.GetInteger(Descriptor::ID_TYPE));
+  const int type = key.GetInteger(Descriptor::ID_TYPE);
+  const bool isKnown = ID_TYPE_NODE <= type && type <= ID_TYPE_RECORD_INDEX;
+  return isKnown ? static_cast<FED_IdType>(type) : ID_TYPE_RECORD_INDEX;
 }
 
 std::vector<std::string> ComponentsOf(BlockDataType type) {

@@ -38,6 +38,10 @@ std::size_t FED_ConstIdDataBlock::IndexOf(int id) const {
   return static_cast<std::size_t>(GetIdMap().IndexOfId(id));
 }
 
+std::size_t FED_ConstIdDataBlock::IndexOf(const std::string& name) const {
+  return static_cast<std::size_t>(GetIdMap().IndexOfName(name));
+}
+
 int FED_ConstIdDataBlock::GetId(std::size_t index) const {
   if (GetRecordIdType() == ID_TYPE_RECORD_INDEX) return static_cast<int>(index);
   return GetIdMap().IdOfIndex(static_cast<std::int64_t>(index));
@@ -70,8 +74,7 @@ void FED_ConstIdDataBlock::GetRecord(int id, FED_ConstIdDataRecord& record) cons
 }
 
 void FED_ConstIdDataBlock::GetRecord(const std::string& name, FED_ConstIdDataRecord& record) const {
-  const std::int64_t index = GetIdMap().IndexOfName(name);
-  m_DataBlock->GetRecord(static_cast<std::size_t>(index), *record.m_DataRecord);
+  m_DataBlock->GetRecord(IndexOf(name), *record.m_DataRecord);
 }
 
 void FED_ConstIdDataBlock::GetScalar(int id, double& value) const {
@@ -84,6 +87,18 @@ void FED_ConstIdDataBlock::GetVector(int id, double* values) const {
 
 void FED_ConstIdDataBlock::GetTensor(int id, double* values) const {
   m_DataBlock->GetTensor(IndexOf(id), values);
+}
+
+void FED_ConstIdDataBlock::GetScalar(const std::string& name, double& value) const {
+  value = m_DataBlock->GetScalar(IndexOf(name));
+}
+
+void FED_ConstIdDataBlock::GetVector(const std::string& name, double* values) const {
+  m_DataBlock->GetVector(IndexOf(name), values);
+}
+
+void FED_ConstIdDataBlock::GetTensor(const std::string& name, double* values) const {
+  m_DataBlock->GetTensor(IndexOf(name), values);
 }
 
 FED_ConstIdDataRecord& FED_ConstIdDataBlock::CreateDataRecord() const {

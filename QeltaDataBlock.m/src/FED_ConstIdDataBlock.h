@@ -54,6 +54,10 @@ class QELTA_EXPORT FED_ConstIdDataBlock {
   void GetVector(int id, double* values) const;
   /// Six doubles: xx, yy, zz, xy, yz, zx.
   void GetTensor(int id, double* values) const;
+  // The same by name.
+  void GetScalar(const std::string& name, double& value) const;
+  void GetVector(const std::string& name, double* values) const;
+  void GetTensor(const std::string& name, double* values) const;
 
   /// A new cursor; the caller gives it back to `DeleteDataRecord`.
   FED_ConstIdDataRecord& CreateDataRecord() const;
@@ -72,4 +76,5 @@ class QELTA_EXPORT FED_ConstIdDataBlock {
  private:
   static const FED_OnfMetaData& FetchOnfMetaDataObject(const FED_DataBlock& block);
   std::size_t IndexOf(int id) const;
+  std::size_t IndexOf(const std::string& name) const;
 };

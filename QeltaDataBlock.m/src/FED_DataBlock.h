@@ -142,7 +142,8 @@ class QELTA_EXPORT FED_DataBlock {
   virtual FED_DataRecord& CreateDataRecord();
   virtual FED_ConstDataRecord& CreateDataRecord() const;
 
-  /// Destroys a cursor of this block, of either kind; a reference to no object is ignored.
+  /// Destroys a cursor of this block, of either kind; a reference to no object is ignored. Must not
+  /// throw: cursors are given back on the way out of failures.
   virtual void DeleteDataRecord(FED_ConstDataRecord& record) const;
 
   /// Writes what can be written; called on the way out of a writable id view.

@@ -49,3 +49,15 @@ void FED_IdDataBlock::SetVector(int id, const double* values) {
 void FED_IdDataBlock::SetTensor(int id, const double* values) {
   m_WritableDataBlock->SetTensor(WriteIndexOf(id), values);
 }
+
+void FED_IdDataBlock::SetScalar(const std::string& name, const double& value) {
+  m_WritableDataBlock->SetScalar(WriteIndexOf(name), value);
+}
+
+void FED_IdDataBlock::SetVector(const std::string& name, const double* values) {
+  m_WritableDataBlock->SetVector(WriteIndexOf(name), values);
+}
+
+void FED_IdDataBlock::SetTensor(const std::string& name, const double* values) {
+  m_WritableDataBlock->SetTensor(WriteIndexOf(name), values);
+}

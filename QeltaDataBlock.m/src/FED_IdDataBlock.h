@@ -36,6 +36,10 @@ class QELTA_EXPORT FED_IdDataBlock : public FED_ConstIdDataBlock {
   void SetVector(int id, const double* values);
   /// Six doubles: xx, yy, zz, xy, yz, zx.
   void SetTensor(int id, const double* values);
+  // The same by name.
+  void SetScalar(const std::string& name, const double& value);
+  void SetVector(const std::string& name, const double* values);
+  void SetTensor(const std::string& name, const double* values);
 
  private:
   std::size_t WriteIndexOf(int id);

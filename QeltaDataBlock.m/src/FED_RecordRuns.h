@@ -14,7 +14,8 @@
 /// values one after another without gaps. Reading fails when an index of the run holds no record,
 /// and names the first such index; `records` and `values` may then be partly filled. Writing
 /// creates absent records, and leaves them as they were when it fails for want of room. Indices
-/// beyond 2^31 - 1 fail before anything is allocated.
+/// beyond 2^31 - 1 fail before anything is allocated. Copies may use runs in place of `GetRecord`
+/// and `SetRecord`: a class that overrides the latter overrides the runs as well.
 class QELTA_EXPORT FED_RecordRuns {
  public:
   virtual void ReadRun(std::size_t first, std::size_t count, void* records) const = 0;
@@ -28,6 +29,11 @@ class QELTA_EXPORT FED_RecordRuns {
 
   /// Replaces `out` by the indices that hold a record.
   virtual void PresentRuns(FED_IntSetIntvl<int>& out) const = 0;
+
+  /// The address of the records from `first` on, of which `count`, at least 1, are wanted; `count`
+  /// becomes the number that lie there. Valid until the block changes. Null, with `count` as it
+  /// was, when the block has no such place: `ReadRun` then. Null is the answer of this class.
+  virtual const void* FindRun(std::size_t first, std::size_t& count) const;
 
  protected:
   virtual ~FED_RecordRuns();

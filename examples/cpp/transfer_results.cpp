@@ -69,7 +69,8 @@ void WriteResults(FED_Database& model) {
   FED_IdDataBlock displacement = open(ONF_DISPLACEMENT), temperature = open(ONF_TEMPERATURE),
                   stress = open(ONF_NODAL_STRESS), energy = open(ONF_ELEMENT_STRAIN_ENERGY);
   for (const int id : NodeIds()) {
-    const double x = id % 100, y = id / 100;
+    const int column = id % 100, row = id / 100;
+    const double x = column, y = row;
     const double u[] = {0.01 * x * y, -0.02 * x * x, 0};
     const double s[] = {100 * x, 20 * y, 0, x * y, 0, 0};
     displacement.SetVector(id, u);

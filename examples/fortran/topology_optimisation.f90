@@ -134,6 +134,8 @@ contains
     integer :: i
     call db%add_ids(id_type_node, [(i, i=1, mesh%nodes())])
     call db%add_ids(id_type_element, [(i, i=1, mesh%elements())])
+    call db%add_name(id_type_response, 0, 1, 'COMPLIANCE')
+    call db%add_name(id_type_response, 1, 2, 'VOLUME')
     coordinates = 0
     coordinates(1, :) = [((i - 1)/(mesh%ny + 1), i=1, mesh%nodes())]
     coordinates(2, :) = [(mod(i - 1, mesh%ny + 1), i=1, mesh%nodes())]
@@ -198,7 +200,7 @@ contains
     call db%fetch_block(key_of(onf_objective_value, now%iteration), block)
     call block%set(0, now%compliance)
     call db%fetch_block(key_of(onf_response_value, now%iteration), block)
-    call block%set(0, now%volume)
+    call block%set(1, now%volume)
     call db%fetch_block(key_of(onf_element_density, now%iteration), block)
     call block%set_scalars(now%density)
     call db%fetch_block(key_of(onf_element_sensitivity, now%iteration), block)
@@ -255,7 +257,7 @@ contains
     call db%fetch_block(key_of(onf_objective_value, stored%iteration), block)
     call block%get(0, stored%compliance)
     call db%fetch_block(key_of(onf_response_value, stored%iteration), block)
-    call block%get(0, stored%volume)
+    call block%get(1, stored%volume)
     call db%fetch_block(key_of(onf_element_density, stored%iteration), block)
     call block%get_scalars(stored%density)
     call db%fetch_block(key_of(onf_element_sensitivity, stored%iteration), block)

@@ -29,7 +29,9 @@ std::vector<Row> Rows() {
                        constraint = ID_TYPE_CONSTRAINT, surface = ID_TYPE_SURFACE,
                        pair = ID_TYPE_CONTACT_PAIR, mic = ID_TYPE_MICROPHONE, mode = ID_TYPE_MODE,
                        none = ID_TYPE_RECORD_INDEX;
-  // Writing registers new ids: of the records, and in a model's own description of all it names.
+  // Named entities are referred to by `S`, so that copies carry their names: their ids are
+  // nobody's. Writing registers new ids: of the records, and in a model's own description of all it
+  // names.
   constexpr Lookup record = Lookup::RECORD, all = Lookup::ALL;
   return {
       // clang-format off
@@ -41,12 +43,12 @@ std::vector<Row> Rows() {
       {ONF_ELEMENT_GROUP, "ELEMENT_GROUP", "Element group", "", "S|O", {elemGroup, elem}, all, {"ELEMENTS"}},
       {ONF_SURFACE, "SURFACE", "Surface: element faces", "", "S|LL", {surface, elem, none}, all, {"ELEMENTS", "FACES"}},
       {ONF_MATERIAL, "MATERIAL", "Material", "", "S|S", {material, none}, all, {"DESCRIPTION"}},
-      {ONF_PROPERTY, "PROPERTY", "Property", "", "S|Si", {property, none, material}, all, {"DESCRIPTION", "MATERIAL"}},
+      {ONF_PROPERTY, "PROPERTY", "Property", "", "S|SS", {property, none, material}, all, {"DESCRIPTION", "MATERIAL"}},
       {ONF_ELEMENT_THICKNESS, "ELEMENT_THICKNESS", "Shell thickness", "length", "I|d", {elem, none}, all, {"THICKNESS"}},
       {ONF_ELEMENT_VOLUME, "ELEMENT_VOLUME", "Element volume", "volume", "I|d", {elem, none}, all, {"VOLUME"}},
-      {ONF_ELEMENT_ATTRIBUTES, "ELEMENT_ATTRIBUTES", "Element group and material", "", "I|ii", {elem, elemGroup, material}, all, {"GROUP", "MATERIAL"}},
+      {ONF_ELEMENT_ATTRIBUTES, "ELEMENT_ATTRIBUTES", "Element group and material", "", "I|SS", {elem, elemGroup, material}, all, {"GROUP", "MATERIAL"}},
       {ONF_ELEMENT_TOPOLOGY, "ELEMENT_TOPOLOGY", "Element topology and type", "", "I|IL", {elem, none, node}, all, {"TYPE", "NODES"}},
-      {ONF_CONTACT_PAIR, "CONTACT_PAIR", "Contact pair", "", "S|ii", {pair, surface, surface}, all, {"SLAVE", "MASTER"}},
+      {ONF_CONTACT_PAIR, "CONTACT_PAIR", "Contact pair", "", "S|SS", {pair, surface, surface}, all, {"SLAVE", "MASTER"}},
       // nodal: 100 to 199
       {ONF_DISPLACEMENT, "DISPLACEMENT", "Displacement", "length", "I|V", {node, none}, record, {"DISPLACEMENT"}},
       {ONF_VELOCITY, "VELOCITY", "Velocity", "length/time", "I|V", {node, none}, record, {"VELOCITY"}},

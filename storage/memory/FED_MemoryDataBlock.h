@@ -57,6 +57,9 @@ class FED_MemoryDataBlock final : public FED_StorageBlock {
   void PresentRuns(FED_IntSetIntvl<int>& out) const override {
     m_Content->records.PresentRuns(out);
   }
+  const void* FindRun(std::size_t first, std::size_t& count) const override {
+    return m_Content->records.FindRun(first, count);
+  }
 
  protected:
   ~FED_MemoryDataBlock() override;

@@ -38,6 +38,14 @@ void MemoryTable::Page::Mark(std::size_t slot, std::size_t count) {
   }
 }
 
+const unsigned char* MemoryTable::FindRun(std::size_t first, std::size_t& count) const {
+  const unsigned char* const bytes = Find(first);
+  if (bytes != nullptr) {
+    count = PageOf(first)->CountFrom(first % kPageRecords, PageShare(first, count));
+  }
+  return bytes;
+}
+
 unsigned char* MemoryTable::Touch(std::size_t index) {
   unsigned char* bytes = nullptr;
   TouchRun(index, 1, false, [&](unsigned char* at, std::size_t, std::size_t) { bytes = at; });

@@ -33,6 +33,10 @@ class MemoryTable {
     return const_cast<unsigned char*>(static_cast<const MemoryTable*>(this)->Find(index));
   }
 
+  /// The bytes of the record, null when there is none. Of `count` records, at least 1, `count`
+  /// becomes the number that follow one another there.
+  const unsigned char* FindRun(std::size_t first, std::size_t& count) const;
+
   /// Makes the record when it is absent. The caller is going to write all of it.
   unsigned char* Touch(std::size_t index);
 

@@ -132,7 +132,7 @@ contains
     call open_numbered(one, 'one', .false.)
     call open_numbered(two, 'two', .true.)
     call two%add_name(id_type_node_group, 0, 1, 'of two alone')
-    ! References travel by id, whatever the names.
+    ! References to what has a name travel by name, whatever the ids.
     call two%add_name(id_type_surface, 7, 2, 'floor')
     call one%add_name(id_type_surface, 0, 2, 'ground')
     call open_view(one, qelta_descriptor(onf=onf_node_group), groups)
@@ -161,7 +161,8 @@ contains
     call view%create_record(record)
     call view%get_record('contact', record)
     call record%get(2, text)
-    call check(text == 'floor', 'references by id')
+    call check(text == 'ground', 'references by name')
+    call check(two%index_of_name(id_type_surface, 'ground') /= 7, 'not by id')
   end subroutine
 
   subroutine test_copies_that_fail()

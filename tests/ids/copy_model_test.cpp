@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <map>
 #include <random>
 #include <string>
@@ -77,7 +76,7 @@ class Site {
 
   FED_Database& m_Database;
   std::mt19937& m_Random;
-  std::array<std::vector<int>, 16> m_Indices;
+  std::map<FED_IdType, std::vector<int>> m_Indices;
 };
 
 class CopyModel : public CopyFixture {};

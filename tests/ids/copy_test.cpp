@@ -11,6 +11,7 @@
 
 #include "CopyFixture.h"
 #include "FED_ConstIdDataBlock.h"
+#include "FED_IdDataBlock.h"
 #include "FailureMatcher.h"
 #include "IdFakes.h"
 #include "RawBytes.h"
@@ -305,7 +306,7 @@ TEST_P(Copy, SelectionsByListAndByBlock) {
 
 // The walk ends where the selection ended at its start, and sees what the copy adds before that.
 TEST_P(Copy, TargetMaySelectItself) {
-  NumberNodes({1, 2, 3, 4, 5, 6}, {2, 3, 4, 5, 6, 1});
+  NumberNodes({1, 2, 3, 4, 5, 6}, {6, 1, 2, 3, 4, 5});
   FillScalars(kNodal, {0, 1, 2, 3, 4, 5});
   FED_DataBlock& to = Target().CreateDataBlock(kNodal.Duplicate(), 0);
   to.SetScalar(5, 0);
@@ -313,10 +314,32 @@ TEST_P(Copy, TargetMaySelectItself) {
   copy_datablock(Source(), Target(), Job(kNodal), to);
   std::vector<std::uint64_t> present;
   to.GetRecordIndices(present);
-  EXPECT_THAT(present, ElementsAre(1, 2, 4, 5));
+  EXPECT_THAT(present, ElementsAre(0, 2, 3, 4, 5));
 }
 
-TEST_P(Copy, NewIdsAndNamesAreRegistered) {
+// Names know what they mean, ids of what has a name are nobody's: both databases give them anew.
+TEST_P(Copy, ReferencesToNamedEntitiesTravelByName) {
+  NumberNodes({}, {});
+  Number(ID_TYPE_ELEMENT, {100}, {100});
+  Source().GetIdMapsPool().GetMap(ID_TYPE_MATERIAL).IndexOfNameForWrite("steel");
+  Target().GetIdMapsPool().GetMap(ID_TYPE_MATERIAL).IndexOfNameForWrite("copper");
+  const FED_DataDescriptor key(ONF_ELEMENT_ATTRIBUTES);
+  {
+    FED_IdDataBlock view(MakeSource(key), Source().GetIdMapsPool(), false);
+    const qelta::ScopedCursor<FED_IdDataBlock, FED_IdDataRecord> record(view);
+    record->SetString(1, "body");
+    record->SetString(2, "steel");
+    view.SetRecord(100, *record);
+  }
+  copy_datablocks(Source(), Target(), FED_DataDescriptorPattern(), SKIP_EMPTY_BLOCKS);
+  const FED_ConstIdDataBlock view(TargetBlock(key), Target().GetIdMapsPool());
+  const qelta::ScopedCursor<const FED_ConstIdDataBlock, FED_ConstIdDataRecord> record(view);
+  view.GetRecord(100, *record);
+  EXPECT_EQ(record->GetString(1), "body");
+  EXPECT_EQ(record->GetString(2), "steel");
+}
+
+TEST_P(Copy, NewIdsAreRegisteredInOrder) {
   NumberNodes({10, 20, 30}, {30});
   FillScalars(kNodal, {0, 1, 2});
   copy_datablocks(Source(), Target(), FED_DataDescriptorPattern(), SKIP_EMPTY_BLOCKS);

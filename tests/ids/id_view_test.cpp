@@ -3,7 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <string>
 
 #include "FED_ConstIdDataBlock.h"
@@ -55,87 +58,71 @@ class ViewTest : public testing::Test {
   FakeBlock m_Block{FED_DataDescriptor(), kFormat, &m_Calls, "b"};
 };
 
+using Read = double (*)(const ConstView&, int id);
+
+template <void (ConstView::*GetValues)(int, double*) const>
+double LastOf(const ConstView& view, int id) {
+  double values[6] = {};
+  (view.*GetValues)(id, values);
+  return *std::max_element(values, values + 6);
+}
+
+template <class Key>
+double ReadRecord(const ConstView& view, Key key) {
+  const IdReader reader(view);
+  view.GetRecord(key, *reader);
+  return reader->GetDouble(1);
+}
+
 TEST_F(ViewTest, ReadingAsksInOrder) {
   const struct {
-    const char* what;
-    std::string (*read)(const ConstView&, int id);
-    std::string answer, asked;            // of a type with a map, where index 3 has the id 103
-    std::string plainAnswer, plainAsked;  // of type 15
+    Read read;
+    double answer;  // of a type with a map, where index 3 has the id 103
+    std::string asked;
+    double plainAnswer;  // of type 15
+    std::string plainAsked;
   } rows[] = {
-      {"id", [](const ConstView& v, int) { return std::to_string(v.GetId(3)); }, "103",
-       "#.IdOfIndex 3", "3", ""},
-      {"has id, high index",
-       [](const ConstView& v, int) { return std::to_string(v.HasId(0x100000003)); }, "0",
-       "#.ContainsIndex 4294967299", "0", ""},
-      {"name", [](const ConstView& v, int) { return v.GetName(3); }, "n3", "#.NameOfIndex 3", "n3",
+      {[](auto& v, int) -> double { return v.GetId(3); }, 103, "#.IdOfIndex 3", 3, ""},
+      {[](auto& v, int) -> double { return v.GetName(3) == "n3"; }, 1, "#.NameOfIndex 3", 1,
        "#.NameOfIndex 3"},
-      {"has id", [](const ConstView& v, int) { return std::to_string(v.HasId(3)); }, "1",
-       "#.ContainsIndex 3", "0", ""},
-      {"has record", [](const ConstView& v, int id) { return std::to_string(v.HasRecord(id)); },
-       "1", "#.ContainsId 103, #.IndexOfId 103, b.HasRecord 3", "1", "b.HasRecord 3"},
-      {"has record of a stranger",
-       [](const ConstView& v, int) { return std::to_string(v.HasRecord(kStranger)); }, "0",
-       "#.ContainsId 999", "0", "b.HasRecord 999"},
-      {"has record, absent",
-       [](const ConstView& v, int id) { return std::to_string(v.HasRecord(id + 1)); }, "0",
-       "#.ContainsId 104, #.IndexOfId 104, b.HasRecord 4", "0", "b.HasRecord 4"},
-      {"has record by name",
-       [](const ConstView& v, int) { return std::to_string(v.HasRecord("n3")); }, "1",
-       "#.ContainsName n3, #.IndexOfName n3, b.HasRecord 3", "1",
+      {[](auto& v, int) -> double { return v.HasId(3); }, 1, "#.ContainsIndex 3", 0, ""},
+      {[](auto& v, int) -> double { return v.HasId(0x100000003); }, 0, "#.ContainsIndex 4294967299",
+       0, ""},
+      {[](auto& v, int id) -> double { return v.HasRecord(id); }, 1,
+       "#.ContainsId 103, #.IndexOfId 103, b.HasRecord 3", 1, "b.HasRecord 3"},
+      {[](auto& v, int id) -> double { return v.HasRecord(id + 1); }, 0,
+       "#.ContainsId 104, #.IndexOfId 104, b.HasRecord 4", 0, "b.HasRecord 4"},
+      {[](auto& v, int) -> double { return v.HasRecord(kStranger); }, 0, "#.ContainsId 999", 0,
+       "b.HasRecord 999"},
+      {[](auto& v, int) -> double { return v.HasRecord("n3"); }, 1,
+       "#.ContainsName n3, #.IndexOfName n3, b.HasRecord 3", 1,
        "#.ContainsName n3, #.IndexOfName n3, b.HasRecord 3"},
-      {"has record of an unknown name",
-       [](const ConstView& v, int) { return std::to_string(v.HasRecord("?")); }, "0",
-       "#.ContainsName ?", "0", "#.ContainsName ?"},
-      {"record",
-       [](const ConstView& v, int id) {
-         const IdReader reader(v);
-         v.GetRecord(id, *reader);
-         double t[6];
-         reader->GetTensor(1, t);
-         return std::to_string(t[5]);
-       },
-       "6.000000", "#.IndexOfId 103, b.GetRecord 3", "6.000000", "b.GetRecord 3"},
-      {"record by name",
-       [](const ConstView& v, int) {
-         const IdReader reader(v);
-         v.GetRecord("n3", *reader);
-         return std::to_string(reader->GetDouble(1));
-       },
-       "1.000000", "#.IndexOfName n3, b.GetRecord 3", "1.000000",
+      {[](auto& v, int) -> double { return v.HasRecord("?"); }, 0, "#.ContainsName ?", 0,
+       "#.ContainsName ?"},
+      {[](auto& v, int id) { return ReadRecord(v, id); }, 1, "#.IndexOfId 103, b.GetRecord 3", 1,
+       "b.GetRecord 3"},
+      {[](auto& v, int) { return ReadRecord(v, "n3"); }, 1, "#.IndexOfName n3, b.GetRecord 3", 1,
        "#.IndexOfName n3, b.GetRecord 3"},
-      {"scalar",
-       [](const ConstView& v, int id) {
+      {[](auto& v, int id) {
          double value = 0;
          v.GetScalar(id, value);
-         return std::to_string(value);
+         return value;
        },
-       "1.000000", "#.IndexOfId 103, b.GetScalar 3", "1.000000", "b.GetScalar 3"},
-      {"vector",
-       [](const ConstView& v, int id) {
-         double values[3] = {};
-         v.GetVector(id, values);
-         return std::to_string(values[2]);
-       },
-       "3.000000", "#.IndexOfId 103, b.GetVector 3", "3.000000", "b.GetVector 3"},
-      {"tensor",
-       [](const ConstView& v, int id) {
-         double values[6] = {};
-         v.GetTensor(id, values);
-         return std::to_string(values[5]);
-       },
-       "6.000000", "#.IndexOfId 103, b.GetTensor 3", "6.000000", "b.GetTensor 3"},
+       1, "#.IndexOfId 103, b.GetScalar 3", 1, "b.GetScalar 3"},
+      {LastOf<&ConstView::GetVector>, 3, "#.IndexOfId 103, b.GetVector 3", 3, "b.GetVector 3"},
+      {LastOf<&ConstView::GetTensor>, 6, "#.IndexOfId 103, b.GetTensor 3", 6, "b.GetTensor 3"},
   };
   // The id type is that of the metadata; the block, a custom one, says 15. No flag counts here.
   for (const bool flag : {false, true}) {
     for (const auto& row : rows) {
-      std::string answer;
+      double answer = -1;
       m_Kind.Set(0, kNodes, flag);
       const ConstView view(m_Block, m_Pool);
-      EXPECT_EQ(Asked(kNodes, [&] { answer = row.read(view, 103); }), row.asked) << row.what;
-      EXPECT_EQ(answer, row.answer) << row.what;
+      EXPECT_EQ(Asked(kNodes, [&] { answer = row.read(view, 103); }), row.asked);
+      EXPECT_EQ(answer, row.answer) << row.asked;
       m_Kind.Set(0, kNoMap, flag);
-      EXPECT_EQ(Asked(kNoMap, [&] { answer = row.read(view, 3); }), row.plainAsked) << row.what;
-      EXPECT_EQ(answer, row.plainAnswer) << row.what;
+      EXPECT_EQ(Asked(kNoMap, [&] { answer = row.read(view, 3); }), row.plainAsked);
+      EXPECT_EQ(answer, row.plainAnswer) << row.asked;
     }
   }
 }

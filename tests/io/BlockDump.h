@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "FED_Database.h"
+#include "FED_OnfInfoPool.h"
 
 namespace qelta::test {
 
@@ -24,11 +25,24 @@ using DumpedBlock = std::map<std::size_t, DumpedRecord>;
 /// All blocks of a database by the text form of their keys, read one record at a time.
 using Dump = std::map<std::string, DumpedBlock>;
 
-inline void Append(const FED_ConstDataRecord& record, std::size_t field, DumpedRecord& out) {
+/// Whether the field holds the index of a named entity in place of a text.
+inline bool IsReference(const FED_DataBlock& block, std::size_t field) {
+  const FED_DataDescriptor& key = block.GetDescriptor();
+  if (!key.Has(FED_DataDescriptor::ONF)) return false;
+  const auto kind = static_cast<FED_OnfId>(key.GetInteger(FED_DataDescriptor::ONF));
+  return FED_OnfInfoPool::GetOnfInfo(kind).idTypes[field] != ID_TYPE_RECORD_INDEX;
+}
+
+inline void Append(const FED_ConstDataRecord& record, std::size_t field, bool isReference,
+                   DumpedRecord& out) {
   double values[6];
   std::vector<int> list;
   switch (record.GetDataType(field)) {
     case 4:
+      if (isReference) {
+        values[0] = record.GetInteger(field);
+        break;
+      }
       out.texts.push_back(record.GetString(field));
       return;
     case 5:
@@ -56,7 +70,7 @@ inline DumpedBlock DumpBlock(const FED_DataBlock& block) {
   for (const std::size_t index : block) {
     block.GetRecord(index, record);
     for (std::size_t field = 1; field <= record.Size(); ++field) {
-      Append(record, field, dump[index]);
+      Append(record, field, IsReference(block, field), dump[index]);
     }
   }
   block.DeleteDataRecord(record);

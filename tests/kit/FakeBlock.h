@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <string>
@@ -54,11 +55,11 @@ class FakeBlock : public FED_DataBlock {
   }
   void SetRecord(std::size_t index, const FED_DataRecord& record) override {
     Note("SetRecord", index);
-    std::memcpy(Bytes(index), RecordBuffer(record), GetRecordSize());
+    std::copy_n(RecordBuffer(record), GetRecordSize(), Bytes(index));
   }
   void GetRecord(std::size_t index, FED_ConstDataRecord& record) const override {
     Note("GetRecord", index);
-    std::memcpy(RecordBuffer(record), m_Records.at(index).data(), GetRecordSize());
+    std::copy_n(m_Records.at(index).data(), GetRecordSize(), RecordBuffer(record));
   }
   std::int64_t GetMaxIndex() const override {
     Note("GetMaxIndex");

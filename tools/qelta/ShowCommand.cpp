@@ -104,7 +104,10 @@ void AddShowCommand(CLI::App& app, Action& action) {
   CLI::App* const command =
       app.add_subcommand("show", "Print the records of the blocks that a selection picks");
   options->selection.AddTo(*command);
-  command->add_option("--id", options->ids, "Only the records of these ids (nodes, elements ...)")
+  command
+      ->add_option("--id", options->ids,
+                   "Only the records of these ids (nodes, elements ...),\n"
+                   "or record indices where there are no ids")
       ->delimiter(',')
       ->allow_extra_args(false)
       ->type_name("ID,ID...");

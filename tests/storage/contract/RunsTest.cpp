@@ -51,10 +51,23 @@ class ModelBlock {
     const std::size_t absent = Expect(field, first, count, expected);
     if (absent < first + count) {
       ExpectFailure(read, {m_Block.GetDescriptor().ToString(), std::to_string(absent)});
+      std::size_t wanted = 3;
+      EXPECT_EQ(m_Runs.FindRun(absent, wanted), nullptr);
+      EXPECT_EQ(wanted, 3u);
     } else {
       read();
       EXPECT_TRUE(given == expected) << first << " + " << count;
+      if (field == 0 && count > 0) CheckPlace(first, count, expected);
     }
+  }
+
+  // Not every module has its records at one place.
+  void CheckPlace(std::size_t first, std::size_t count, const Bytes& expected) {
+    std::size_t found = count;
+    const void* const place = m_Runs.FindRun(first, found);
+    ASSERT_TRUE(0 < found && found <= count);
+    if (place == nullptr) return;
+    EXPECT_EQ(std::memcmp(place, expected.data(), found * m_Block.GetRecordSize()), 0);
   }
 
   void CheckAll() {
