@@ -1,5 +1,6 @@
 // Runs, columns, walks, index sets and field data against records kept one by one in a map.
 
+#include <algorithm>
 #include <cstring>
 #include <random>
 
@@ -64,10 +65,10 @@ class ModelBlock {
   // Not every module has its records at one place.
   void CheckPlace(std::size_t first, std::size_t count, const Bytes& expected) {
     std::size_t found = count;
-    const void* const place = m_Runs.FindRun(first, found);
+    const auto* const place = static_cast<const unsigned char*>(m_Runs.FindRun(first, found));
     ASSERT_TRUE(0 < found && found <= count);
     if (place == nullptr) return;
-    EXPECT_EQ(std::memcmp(place, expected.data(), found * m_Block.GetRecordSize()), 0);
+    EXPECT_TRUE(std::equal(place, place + found * m_Block.GetRecordSize(), expected.begin()));
   }
 
   void CheckAll() {
