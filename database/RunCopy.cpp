@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <typeinfo>
 
+#include "BlockMetaData.h"
 #include "FED_MemoryIdMap.h"
-#include "FED_OnfInfoPool.h"
 
 namespace qelta {
 namespace {
@@ -28,10 +28,8 @@ std::size_t LongestRun(const FED_DataBlock& from) {
 }
 
 const FED_OnfMetaData* FindKind(const FED_DataBlock& block) {
-  const FED_DataDescriptor& key = block.GetDescriptor();
-  if (!key.Has(FED_DataDescriptor::ONF)) return nullptr;
-  const int onf = key.GetInteger(FED_DataDescriptor::ONF);
-  return &FED_OnfInfoPool::GetOnfInfo(static_cast<FED_OnfId>(onf));
+  const bool isCatalogued = block.GetDescriptor().Has(FED_DataDescriptor::ONF);
+  return isCatalogued ? &MetaDataOf(block) : nullptr;
 }
 
 // Integers may refer to entities; other fields of bytes only do not, whatever their id type.

@@ -140,7 +140,6 @@ void Database_FindBlocks_F(FED_Database* database, const FED_DataDescriptorPatte
                            FED_DataDescriptorList* list, std::int32_t* status) noexcept {
   const auto work = [&] {
     const std::vector<FED_DataDescriptor> found = database->FindBlocks(*pattern);
-    list->Reserve(found.size());
     list->Resize(found.size());
     std::transform(found.begin(), found.end(), list->GetData(),
                    [](const FED_DataDescriptor& descriptor) { return descriptor.Duplicate(); });

@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "BlockMetaData.h"
 #include "FED_Database.h"
 #include "FED_Failure.h"
 #include "FED_IdDataBlock.h"
 #include "FED_MemoryIdMap.h"
-#include "FED_OnfInfoPool.h"
 #include "QeltaDatabaseUtils.h"
 #include "QeltaEntryPoint.h"
 #include "QeltaStringUtil.h"
@@ -40,15 +40,6 @@ std::string NameAt(FED_Database& database, std::int32_t idType, std::int64_t ind
   std::string name;
   MapOf(database, idType).NameOfIndex(index, name);
   return name;
-}
-
-std::vector<FED_IdType> IdTypesOf(const FED_DataBlock& block) {
-  const FED_DataDescriptor& key = block.GetDescriptor();
-  if (!key.Has(FED_DataDescriptor::ONF)) {
-    return std::vector<FED_IdType>(block.GetDataTypes().size() + 1, ID_TYPE_RECORD_INDEX);
-  }
-  const auto onf = static_cast<FED_OnfId>(key.GetInteger(FED_DataDescriptor::ONF));
-  return FED_OnfInfoPool::GetOnfInfo(onf).idTypes;
 }
 
 std::vector<std::string> SplitNames(const char* names, std::int32_t nameLength, std::size_t count) {
@@ -160,7 +151,7 @@ void IdView_Delete_F(FED_IdDataBlock** view, std::int32_t* status) noexcept {
 void IdView_GetIdTypes_F(FED_IdDataBlock* view, const std::int32_t* room, std::int32_t* types,
                          std::int32_t* count, std::int32_t* status) noexcept {
   const auto work = [&] {
-    const std::vector<FED_IdType> all = IdTypesOf(view->GetDataBlock());
+    const std::vector<FED_IdType>& all = qelta::MetaDataOf(view->GetDataBlock()).idTypes;
     const auto fitting = static_cast<std::size_t>(std::max(*room, 0));
     std::copy_n(all.begin(), std::min(fitting, all.size()), types);
     *count = static_cast<std::int32_t>(all.size());

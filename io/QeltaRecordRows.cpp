@@ -1,18 +1,12 @@
 #include "QeltaRecordRows.h"
 
+#include <BlockMetaData.h>
 #include <FED_Message.h>
-#include <FED_OnfInfoPool.h>
 
 namespace qelta {
 namespace {
 
 using Descriptor = FED_DataDescriptor;
-
-const FED_OnfMetaData& MetaDataOf(const FED_DataBlock& block) {
-  const Descriptor& key = block.GetDescriptor();
-  if (!key.Has(Descriptor::ONF)) return FED_OnfInfoPool::FetchOnfInfo(block.GetFormat());
-  return FED_OnfInfoPool::GetOnfInfo(static_cast<FED_OnfId>(key.GetInteger(Descriptor::ONF)));
-}
 
 FED_IdType KeyTypeOf(const FED_DataBlock& block, const FED_OnfMetaData& metaData) {
   const Descriptor& key = block.GetDescriptor();

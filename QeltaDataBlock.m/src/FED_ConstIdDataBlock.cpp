@@ -1,6 +1,6 @@
 #include "FED_ConstIdDataBlock.h"
 
-#include "FED_OnfInfoPool.h"
+#include "BlockMetaData.h"
 
 std::uint64_t FED_ConstIdDataBlock::s_InstanceCounter = 0;
 
@@ -19,12 +19,7 @@ FED_ConstIdDataBlock::FED_ConstIdDataBlock(const FED_ConstIdDataBlock& other)
 FED_ConstIdDataBlock::~FED_ConstIdDataBlock() { --s_InstanceCounter; }
 
 const FED_OnfMetaData& FED_ConstIdDataBlock::FetchOnfMetaDataObject(const FED_DataBlock& block) {
-  const FED_DataDescriptor& descriptor = block.GetDescriptor();
-  if (!descriptor.Has(FED_DataDescriptor::ONF)) {
-    return FED_OnfInfoPool::FetchOnfInfo(block.GetFormat());
-  }
-  const int onf = descriptor.GetInteger(FED_DataDescriptor::ONF);
-  return FED_OnfInfoPool::GetOnfInfo(static_cast<FED_OnfId>(onf));
+  return qelta::MetaDataOf(block);
 }
 
 const FED_IdMap& FED_ConstIdDataBlock::GetIdMap() const {

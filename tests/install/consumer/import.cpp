@@ -2,6 +2,8 @@
 #include <FrdImport.h>
 #include <FrdSummary.h>
 #include <QeltaPatternText.h>
+#include <QeltaRecordRows.h>
+#include <QeltaSelectingSink.h>
 
 #include <cstdio>
 #include <vector>
