@@ -84,8 +84,7 @@ bool FED_StorageDatabase::Reopen(const FED_DataDescriptor& descriptor) {
   for (const FED_DataDescriptor& name : names) {
     FED_DataBlock* const block = MakeStoredBlock(name);
     if (block == nullptr) continue;
-    m_BlockSet.StoreDataBlockInstance(name, block);
-    qelta::StoreAliases(m_BlockSet, name, names);
+    m_BlockSet.ReopenDataBlockInstance(name, block);
     return true;
   }
   return false;
