@@ -69,7 +69,8 @@ void FED_DataBlockSet::ForgetDescriptor(const FED_DataDescriptor& descriptor) {
 
 void FED_DataBlockSet::StoreDataBlockAlias(const FED_DataDescriptor& existing,
                                            FED_DataDescriptor& alias) {
-  Register(alias, existing.GetBlockID());
+  const int position = existing.GetBlockID();
+  Register(alias, position >= 0 ? position : m_BlockPositions.Find(existing));
 }
 
 void FED_DataBlockSet::Register(const FED_DataDescriptor& descriptor, int position) {

@@ -39,7 +39,7 @@ class QELTA_EXPORT FED_DataBlockSet {
   /// a block (null) the descriptor is registered as one whose block is closed.
   void StoreDataBlockInstance(const FED_DataDescriptor& descriptor, FED_DataBlock* block);
 
-  /// Makes `alias` lead to the block of `existing`, which must have been resolved in this set.
+  /// Makes `alias` lead to the block of `existing`, which must be registered in this set.
   void StoreDataBlockAlias(const FED_DataDescriptor& existing, FED_DataDescriptor& alias);
 
   /// Gives the closed block of `descriptor` back its place, so that all its names lead to `block`;
