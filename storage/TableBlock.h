@@ -72,12 +72,7 @@ class TableBlock : public FED_StorageBlock {
 
   void WriteRun(std::size_t first, std::size_t count, const void* records) override {
     RequireRange(first, count);
-    const auto* const in = static_cast<const unsigned char*>(records);
-    const std::size_t size = GetRecordSize();
-    m_Content->TouchRun(first, count, false,
-                        [&](unsigned char* bytes, std::size_t position, std::size_t share) {
-                          CopyStrided(bytes, size, in + position * size, size, size, share);
-                        });
+    m_Content->WriteRun(first, count, static_cast<const unsigned char*>(records));
   }
 
   void ReadColumn(std::size_t field, std::size_t first, std::size_t count,

@@ -23,6 +23,13 @@ class MemoryContent : public MemoryTable {
       : MemoryTable(recordSize), format(std::move(recordFormat)) {}
 
   unsigned char* FindToChange(std::size_t index) { return Find(index); }
+  void WriteRun(std::size_t first, std::size_t count, const unsigned char* records) {
+    TouchRun(first, count, false, [&](unsigned char* bytes, std::size_t, std::size_t share) {
+      const std::size_t size = share * GetRecordSize();
+      if (size > 0) std::memcpy(bytes, records, size);
+      records += size;
+    });
+  }
 
   bool IsFull() const { return lists.IsFull(); }
   bool FindContent(ContentKind kind, std::uint64_t handle, Place& out) const {
