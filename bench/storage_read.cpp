@@ -56,7 +56,7 @@ void ReadOneBlock(benchmark::State& state, const StoreKind& kind) {
   std::vector<unsigned char> block(size);
   std::size_t number = 0;
   MeasureReading(state, 0, [&](std::unique_ptr<BlockStore>& store) {
-    number = (number + 617) % kMedium.blocks;
+    number = (number + 617) % sums.size();
     store = kind.open(path, BlockStore::Mode::Read);
     store->Read(KeyOf(number), block.data(), size);
     return SparseSum(block.data(), size) - sums[number];

@@ -5,6 +5,7 @@
 
 #include "Damage.h"
 #include "DatabaseDirectory.h"
+#include "FED_ConstDataRecord.h"
 #include "FileContent.h"
 #include "FileSession.h"
 #include "Maintenance.h"
@@ -23,7 +24,8 @@ class Compaction {
       : m_Session(session), m_Store(session.GetStore()), m_Meter(progress) {}
 
   bool Run() {
-    DropUnreferenced(m_Store);
+    // A cursor may hold what no record refers to yet.
+    if (FED_ConstDataRecord::s_InstanceCounter == 0) DropUnreferenced(m_Store);
     m_Moved.rows = m_Store.LoadRows();
     m_Meter.SetTotal(m_Moved.rows.CountBytes());
     m_Moved.name = FindName();
@@ -58,6 +60,7 @@ class Compaction {
     for (BlockRow& row : m_Moved.rows.blocks) m_Moved.chunks.push_back(Copy(owner++, row.chunks));
     for (IdMapRow& row : m_Moved.rows.idMaps) m_IdMaps.push_back(Copy(owner++, row.chunks));
     if (!m_Meter.GoesOn()) return false;
+    RequireUnchanged();
     m_Store.Sync(*m_Moved.payload);
     m_Store.GetFiles().SyncDirectory(m_Store.GetDirectory());
     return true;
@@ -89,6 +92,17 @@ class Compaction {
     }
     chunk.extent = m_Moved.payload->WriteAt(m_Moved.length, m_Buffer.data(), m_Buffer.size());
     m_Moved.length += chunk.extent.length;
+  }
+
+  // Nothing but `progress` can have come between.
+  void RequireUnchanged() {
+    if (m_Moved.rows.state.generation == m_Store.GetState().generation && !m_Store.HasChanges()) {
+      return;
+    }
+    FED_Failure::Throw("220400000012", kLocation,
+                       "The database %s was changed while it was compacted, which was given up. "
+                       "Leave it alone where progress is reported.",
+                       m_Store.GetDirectory().c_str());
   }
 
   // From here on the new file stays, whatever happens.

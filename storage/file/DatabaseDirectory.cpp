@@ -5,6 +5,7 @@
 #include "Catalogue.h"
 #include "Damage.h"
 #include "FED_Message.h"
+#include "IoFailure.h"
 #include "Payload.h"
 
 namespace qelta {
@@ -85,7 +86,7 @@ void DatabaseDirectory::RequireNothingForeign() const {
 
 std::string DatabaseDirectory::MoveAside() const {
   for (int number = 1;; ++number) {
-    const std::string target = m_Path + ".damaged-" + std::to_string(number);
+    std::string target = m_Path + ".damaged-" + std::to_string(number);
     if (m_Files.GetKind(target) != PathKind::NOTHING) continue;
     m_Files.Rename(m_Path, target);
     m_Files.SyncDirectory(ParentOf(m_Path));
@@ -94,16 +95,31 @@ std::string DatabaseDirectory::MoveAside() const {
 }
 
 std::unique_ptr<Catalogue> DatabaseDirectory::OpenCatalogueToRead() const {
-  const bool mayChange = m_Files.IsWritable(m_Path) || HasLog();
-  return std::make_unique<Catalogue>(
-      m_Files, PathOf(kCatalogue),
-      mayChange ? Catalogue::Access::READ : Catalogue::Access::IMMUTABLE, false);
+  const auto open = [this](Catalogue::Access access) {
+    return std::make_unique<Catalogue>(m_Files, PathOf(kCatalogue), access, false);
+  };
+  try {
+    return open(Catalogue::Access::READ);
+  } catch (const Damage&) {
+    throw;
+  } catch (const FED_Failure&) {
+    // On read-only media a catalogue with a log cannot be read in the usual way.
+    if (m_Files.IsWritable(m_Path) || IsInUse()) throw;
+  }
+  return open(Catalogue::Access::IMMUTABLE);
 }
 
-// Whether a log beside the catalogue holds anything.
-bool DatabaseDirectory::HasLog() const {
-  if (m_Files.GetKind(PathOf(kLog)) != PathKind::FILE) return false;
-  return m_Files.Open(PathOf(kLog), OpenMode::READ)->GetSize() > 0;
+// Whether a commit may be in progress, or have been cut off.
+bool DatabaseDirectory::IsInUse() const {
+  const auto holdsAny = [this](const char* name) {
+    try {
+      return m_Files.GetKind(PathOf(name)) == PathKind::FILE &&
+             m_Files.Open(PathOf(name), OpenMode::READ)->GetSize() > 0;
+    } catch (const IoFailure&) {  // gone in this moment
+      return true;
+    }
+  };
+  return holdsAny(kLog) || holdsAny(kJournal);
 }
 
 }  // namespace qelta

@@ -16,6 +16,7 @@ class DatabaseDirectory {
  public:
   static constexpr const char* kCatalogue = "catalogue.sqlite";
   static constexpr const char* kLog = "catalogue.sqlite-wal";
+  static constexpr const char* kJournal = "catalogue.sqlite-journal";
 
   /// `path` in UTF-8.
   DatabaseDirectory(FileSystem& files, const std::string& path) : m_Files(files), m_Path(path) {}
@@ -50,7 +51,7 @@ class DatabaseDirectory {
  private:
   std::vector<std::string> ListForeign() const;
   bool WasEverSaved() const;
-  bool HasLog() const;
+  bool IsInUse() const;
 
   FileSystem& m_Files;
   std::string m_Path;

@@ -11,6 +11,9 @@ FED_FileDataBlock::FED_FileDataBlock(const FED_DataDescriptor& descriptor,
 
 FED_FileDataBlock::~FED_FileDataBlock() = default;
 
-void FED_FileDataBlock::DeleteData() { m_Store->Delete(GetDescriptor()); }
+// A block that got no content must not touch what is stored under its key.
+void FED_FileDataBlock::DeleteData() {
+  if (GetContent() != nullptr) m_Store->Delete(GetDescriptor());
+}
 
 void FED_FileDataBlock::FlushToDisk() { m_Store->CountClosing(); }

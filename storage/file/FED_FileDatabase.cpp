@@ -1,5 +1,8 @@
 #include "FED_FileDatabase.h"
 
+#include <filesystem>
+#include <system_error>
+
 #include "FED_Failure.h"
 #include "FED_FileDataBlock.h"
 #include "FED_LogMacros.h"
@@ -12,7 +15,20 @@ namespace {
 
 constexpr const char* kLocation = "|%P|QeltaFileStorage|FED_FileDatabase";
 
-// The path as the file system takes it, without '/' at the end.
+// Where the program is later must not matter.
+std::string MakeAbsolute(const std::string& path) {
+  std::error_code error;
+  const auto absolute = std::filesystem::absolute(std::filesystem::u8path(path), error);
+  if (error) {
+    FED_Failure::Throw("220300000085", kLocation,
+                       "The database '%s' cannot be found from the current directory: %s. Give its "
+                       "whole path.",
+                       path.c_str(), error.message().c_str());
+  }
+  return absolute.generic_u8string();
+}
+
+// The path as the file system takes it, whole and without '/' at the end.
 std::string PathOf(const std::wstring& name) {
   std::string path;
   if (!QeltaStringUtil::ToUtf8(name, path) || path.empty()) {
@@ -20,11 +36,7 @@ std::string PathOf(const std::wstring& name) {
                        "The name of the database is %s. Give the path of a directory.",
                        path.empty() && name.empty() ? "empty" : "no valid text");
   }
-#ifdef _WIN32
-  for (char& c : path) {
-    if (c == '\\') c = '/';
-  }
-#endif
+  path = MakeAbsolute(path);
   while (path.size() > 1 && path.back() == '/') path.pop_back();
   return path;
 }

@@ -42,7 +42,7 @@ class FileSystem;
 class QELTA_FILE_STORAGE_EXPORT FED_FileDatabase : public FED_StorageDatabase {
  public:
   /// Called now and then on long work with the bytes that are done and those that there are; false
-  /// ends the work early. May be empty.
+  /// ends the work early. May be empty. Must not change or close the database.
   using Progress = std::function<bool(std::uint64_t done, std::uint64_t total)>;
 
   struct Report {
@@ -95,8 +95,9 @@ class QELTA_FILE_STORAGE_EXPORT FED_FileDatabase : public FED_StorageDatabase {
                         const Progress& progress = {});
 
   /// Saves, drops strings and lists that no record refers to, and writes the content anew without
-  /// gaps. Needs room for all of it until it is done; ended early or failed, it changed nothing but
-  /// the save. False when `progress` ended it.
+  /// gaps. Needs room for all of it until it is done; ended early or failed, it has saved, and
+  /// perhaps dropped, but moved nothing. False when `progress` ended it. Nothing is dropped while
+  /// there is a record cursor, of whatever block.
   bool Compact(const Progress& progress = {});
 
   /// Copies the newest save, with nothing that is unsaved, to a new database. The writer, here or

@@ -116,12 +116,16 @@ void FileContent::LoadDense() {
 bool FileContent::IsPresentBeyond(std::size_t index) {
   if (!m_KnowsDense) LoadDense();
   if (index < m_Dense) return true;
-  bool present = false;
-  VisitWords(index / kBits, index / kBits, [&](std::size_t, std::uint64_t word) {
-    present = (word >> index % kBits & 1) != 0;
-    return true;
+  return (WordAt(index / kBits) >> index % kBits & 1) != 0;
+}
+
+std::uint64_t FileContent::WordAt(std::size_t number) {
+  std::uint64_t found = 0;
+  VisitWords(number, number, [&](std::size_t, std::uint64_t word) {
+    found = word;
+    return false;
   });
-  return present;
+  return found;
 }
 
 // Calls visit(number, word) for the words of PRESENCE that are not 0, until it gives false.
@@ -170,12 +174,12 @@ std::size_t FileContent::CountFrom(std::size_t first, std::size_t count) {
   const std::size_t end = std::min<std::uint64_t>(first + count, m_Span);
   std::size_t next = std::max<std::size_t>(first, std::min<std::uint64_t>(m_Dense, end));
   if (next >= end) return next - first;
-  VisitWords(next / kBits, (end - 1) / kBits, [&](std::size_t number, std::uint64_t word) {
-    if (number != next / kBits) return false;  // words of zeros lie between
-    const std::uint64_t absent = ~word & MaskOf(number, next, end - next);
-    next = absent != 0 ? number * kBits + LowestBit(absent) : std::min(end, (number + 1) * kBits);
-    return absent == 0;
-  });
+  while (next < end) {
+    const std::size_t number = next / kBits;
+    const std::uint64_t absent = ~WordAt(number) & MaskOf(number, next, end - next);
+    if (absent != 0) return number * kBits + LowestBit(absent) - first;
+    next = std::min(end, (number + 1) * kBits);
+  }
   return next - first;
 }
 

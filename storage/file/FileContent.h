@@ -140,6 +140,7 @@ class FileContent {
   bool IsPresentBeyond(std::size_t index);
   template <class Visit>
   void VisitWords(std::size_t first, std::size_t last, Visit visit);
+  std::uint64_t WordAt(std::size_t number);
   std::size_t CountFrom(std::size_t first, std::size_t count);
   std::size_t NextPresent(std::size_t from);
   std::size_t CountIn(std::size_t first, std::size_t count);

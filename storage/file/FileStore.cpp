@@ -6,6 +6,7 @@
 #include "DatabaseDirectory.h"
 #include "FED_LogMacros.h"
 #include "FileContent.h"
+#include "IoFailure.h"
 #include "KeyCode.h"
 
 namespace qelta {
@@ -20,8 +21,10 @@ constexpr const char* kClosed = "it was closed";
 void FileStore::FailUnusable() const {
   const char* const reason =
       m_Problem != nullptr ? m_Problem : "this process is a fork of the one that opened it";
-  FED_Failure::Throw("220300000041", kLocation, "The database %s cannot be used any more: %s.",
-                     m_Directory.c_str(), reason);
+  const std::string text = "The database " + m_Directory + " cannot be used any more: " + reason;
+  // The device is to blame for the first, the program for the others.
+  if (reason == kSyncFailed) throw IoFailure(IoProblem::OTHER, "220300000046", text + ".");
+  throw FED_Failure("220300000041", text + ".", kLocation);
 }
 
 FileStore::ContentPointer FileStore::Find(const std::string& key) const {
@@ -52,7 +55,7 @@ FileStore::ContentPointer FileStore::Add(const FED_DataDescriptor& descriptor,
                        "character 0 in keys.",
                        descriptor.ToString().c_str(), m_Directory.c_str());
   }
-  const auto content = std::make_shared<FileContent>(*this, row, false);
+  auto content = std::make_shared<FileContent>(*this, row, false);
   content->Open();
   m_Contents.Insert(content);
   try {
@@ -258,7 +261,7 @@ void FileStore::ReleaseFiles() noexcept {
   if (m_Problem != nullptr || !IsWritable() || m_Payload == nullptr) return;
   try {
     Reclaim();
-    const bool isFree = m_Space != nullptr && !m_Space->HoldsAny();
+    const bool isFree = m_Space != nullptr && !m_Space->HoldsAny() && !m_Space->IsDoubtful();
     if (isFree) m_Payload->TruncateTo(HasChanges() ? m_State.payloadLength : m_Space->GetEnd());
     m_Payload->Sync();
   } catch (const std::exception& failure) {

@@ -120,9 +120,10 @@ class FileStore {
     CommitRows rows;                               // all of them, with their new chunks
     std::vector<std::vector<StoredChunk>> chunks;  // of each block
   };
-  /// Commits that the content is there, goes on with it, and removes the former file as soon as no
-  /// reader needs it. After a failure the former file is the one that counts; the new one must
-  /// stay until that is certain, which is at the next opening.
+  /// Commits that the content is there, goes on with it, and removes the former file unless a
+  /// reader needs it, when the next opening for writing tries again. After a failure the former
+  /// file is the one that counts; the new one must stay until that is certain, which is at the next
+  /// opening.
   void Relocate(Relocation&& moved);
 
   /// The newest commit of the database that stands under the path now.
@@ -147,6 +148,8 @@ class FileStore {
   void OpenForReading();
   void OpenForWriting();
   void OpenOrCreate();
+  void MakeDirectory();
+  void SyncParent(bool wasThere);
   void MoveAside(const std::string& reason);
   void CreateFiles();
   void StartEmpty();

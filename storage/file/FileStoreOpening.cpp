@@ -9,6 +9,7 @@
 #include "FED_Message.h"
 #include "FileContent.h"
 #include "FileStore.h"
+#include "IoFailure.h"
 #include "KeyCode.h"
 
 namespace qelta {
@@ -70,19 +71,38 @@ void FileStore::OpenForWriting() {
 
 void FileStore::OpenOrCreate() {
   const DatabaseDirectory place(m_Files, m_Directory);
-  if (place.Look() == DatabaseDirectory::State::ABSENT) m_Files.MakeDirectory(m_Directory);
+  const DatabaseDirectory::State found = place.Look();
+  if (found == DatabaseDirectory::State::ABSENT) MakeDirectory();
   if (m_Mode == FED_DatabaseDefs::CREATE) place.RequireNothingForeign();
   m_Lock = std::make_unique<DatabaseLock>(m_Files, m_Directory, true);
   if (place.Look() != DatabaseDirectory::State::THERE) CreateFiles();
   // Whoever made them may have been stopped before their names were durable.
   m_Files.SyncDirectory(m_Directory);
-  m_Files.SyncDirectory(ParentOf(m_Directory));
+  SyncParent(found == DatabaseDirectory::State::THERE);
   m_Catalogue = std::make_unique<Catalogue>(m_Files, PathOf(DatabaseDirectory::kCatalogue),
                                             Catalogue::Access::WRITE, m_Files.IsLocal(m_Directory));
   Load(*m_Catalogue);
   OpenPayload(*m_Catalogue);
   RemoveOldPayloads();
   if (m_Mode == FED_DatabaseDefs::CREATE) StartEmpty();
+}
+
+// Somebody else may make it at this moment; the lock tells who comes first.
+void FileStore::MakeDirectory() {
+  try {
+    m_Files.MakeDirectory(m_Directory);
+  } catch (const IoFailure& failure) {
+    if (failure.GetProblem() != IoProblem::EXISTS) throw;
+  }
+}
+
+// A place whose names may not be read was synced by whoever made the database.
+void FileStore::SyncParent(bool wasThere) {
+  try {
+    m_Files.SyncDirectory(ParentOf(m_Directory));
+  } catch (const IoFailure& failure) {
+    if (!wasThere || failure.GetProblem() != IoProblem::DENIED) throw;
+  }
 }
 
 void FileStore::CreateFiles() {

@@ -35,6 +35,8 @@ class PayloadSpace {
   void Release(const Extent& extent, std::uint64_t birth) noexcept;
 
   void CommitFailed() { m_IsDoubtful = true; }
+  /// After a commit that failed, until one succeeds.
+  bool IsDoubtful() const { return m_IsDoubtful; }
 
   /// What was released since the commit before is seen by older readers only.
   void Committed(std::uint64_t generation) noexcept;

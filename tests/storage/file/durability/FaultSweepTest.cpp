@@ -134,7 +134,7 @@ class FaultSweep : public testing::Test {
   // `Failing` makes allocations fail while it lives, from the given one on.
   template <class Failing>
   static void SweepMemory() {
-    const std::size_t step = ChooseCount(97, 1);
+    const std::size_t step = ChooseCount(37, 1);
     bool hasFailed = true;
     std::size_t n = 0;
     for (; hasFailed && !HasFailure(); n += step) {
