@@ -25,6 +25,10 @@ const FED_IdMap& FED_IdMapsPool::GetMap(FED_IdType type) const { return *Slot(ty
 
 FED_IdMap& FED_IdMapsPool::GetMap(FED_IdType type) { return *Slot(type); }
 
+std::shared_ptr<const FED_IdMap> FED_IdMapsPool::ShareMap(FED_IdType type) const {
+  return Slot(type);
+}
+
 void FED_IdMapsPool::SetMap(FED_IdType type, std::shared_ptr<FED_IdMap> map) {
   std::shared_ptr<FED_IdMap>& slot = Slot(type);
   if (map == nullptr) {

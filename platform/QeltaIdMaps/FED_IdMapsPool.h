@@ -26,6 +26,9 @@ class QELTA_EXPORT FED_IdMapsPool {
   const FED_IdMap& GetMap(FED_IdType type) const;
   FED_IdMap& GetMap(FED_IdType type);
 
+  /// The same map for whom it is to outlive its place in the pool.
+  std::shared_ptr<const FED_IdMap> ShareMap(FED_IdType type) const;
+
   /// Replaces the map of an id type and shares its ownership; the former map goes unless somebody
   /// else holds it. No map, or a type outside 0 to 15, is a failure and changes nothing.
   void SetMap(FED_IdType type, std::shared_ptr<FED_IdMap> map);

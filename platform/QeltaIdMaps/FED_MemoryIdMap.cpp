@@ -68,6 +68,8 @@ std::size_t FED_MemoryIdMap::GetCount() const { return m_Pairs->GetCount(); }
 
 std::size_t FED_MemoryIdMap::GetNameCount() const { return m_Names->GetCount(); }
 
+std::vector<IdRun> FED_MemoryIdMap::ListRuns() const { return m_Pairs->ListRuns(); }
+
 bool FED_MemoryIdMap::ContainsName(const std::string& name) const {
   return m_Names->FindIndex(name).has_value();
 }

@@ -4,15 +4,16 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "FED_IdMap.h"
 #include "FED_IdType.h"
+#include "IdRun.h"
 #include "QeltaExport.h"
 
 namespace qelta {
 class IdPairs;
 class NameTable;
-struct IdRun;
 }  // namespace qelta
 
 /// The id map that lives in memory, filled by Add and by the ...ForWrite operations.
@@ -59,6 +60,10 @@ class QELTA_EXPORT FED_MemoryIdMap : public FED_IdMap {
   /// Number of names. Entities and names are only ever added, so a map whose two numbers are the
   /// same has not changed.
   std::size_t GetNameCount() const;
+
+  /// All entities, in ascending order of their indices and in as few runs as can be. Costs a pass
+  /// over what is there, however far apart it is, and a sort where the indices are scattered.
+  std::vector<qelta::IdRun> ListRuns() const;
 
   bool ContainsName(const std::string& name) const override;
   bool ContainsId(std::int32_t id) const override;

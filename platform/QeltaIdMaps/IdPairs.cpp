@@ -3,6 +3,22 @@
 #include <algorithm>
 
 namespace qelta {
+namespace {
+
+void Append(const IdRun& run, std::vector<IdRun>& runs) {
+  if (!runs.empty()) {
+    IdRun& last = runs.back();
+    if (last.index + last.length == run.index && last.id + std::int64_t{last.length} == run.id) {
+      last.length += run.length;
+      return;
+    }
+  }
+  runs.push_back(run);
+}
+
+bool IsBefore(const IdRun& a, const IdRun& b) { return a.index < b.index; }
+
+}  // namespace
 
 std::int64_t IdPairs::GetMaxIndex() const {
   return GetCount() == 0 ? -1 : std::int64_t{m_IdOfIndex.GetHigh()};
@@ -19,6 +35,22 @@ std::optional<std::int64_t> IdPairs::FindIndex(std::int32_t id) const {
   const auto index = m_IndexOfId.Find(NumberOf(id));
   if (!index) return std::nullopt;
   return *index;
+}
+
+std::vector<IdRun> IdPairs::ListRuns() const {
+  std::vector<IdRun> runs;
+  m_IdOfIndex.ForEach([&runs](const NumberRun& run) {
+    // The least id does not continue the greatest one.
+    const auto length = static_cast<std::uint32_t>(
+        std::min(std::uint64_t{run.length}, (std::uint64_t{1} << 32) - run.to));
+    Append({run.from, IdOf(run.to), length}, runs);
+    if (length < run.length) Append({run.from + length, IdOf(0), run.length - length}, runs);
+  });
+  if (std::is_sorted(runs.begin(), runs.end(), IsBefore)) return runs;
+  std::sort(runs.begin(), runs.end(), IsBefore);
+  std::vector<IdRun> joined;
+  for (const IdRun& run : runs) Append(run, joined);
+  return joined;
 }
 
 bool IdPairs::IsFree(const IdRun& run) const {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <vector>
 
 #include "IdRun.h"
 #include "NumberMap.h"
@@ -27,6 +28,8 @@ class IdPairs {
   std::optional<std::int64_t> FindIndex(std::int32_t id) const;
   // What to prefetch before FindIndex or IsFree, or null.
   const void* AddressOf(std::int32_t id) const { return m_IndexOfId.AddressOf(NumberOf(id)); }
+  // In ascending order of the indices, as few as can be.
+  std::vector<IdRun> ListRuns() const;
   // True when neither an index nor an id of the run is known.
   bool IsFree(const IdRun& run) const;
 

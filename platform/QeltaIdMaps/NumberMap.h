@@ -38,6 +38,12 @@ class NumberMap {
   }
   bool HasAnyIn(std::uint32_t first, std::uint32_t length) const;
 
+  // Calls visit(run) for all that is known, in no order.
+  template <class Visitor>
+  void ForEach(Visitor visit) const {
+    Visit(m_Form, [&visit](const auto& form) { form.ForEach(visit); });
+  }
+
   // Makes exactly the room that `added` needs.
   void Reserve(const Extent& added);
   // Makes room for the run and, so that this is rare, for more.

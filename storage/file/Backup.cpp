@@ -1,5 +1,6 @@
 // Copies a commit of a database while others work with it.
 
+#include "CatalogueRows.h"
 #include "Damage.h"
 #include "DatabaseDirectory.h"
 #include "HeldCommit.h"
@@ -76,21 +77,43 @@ class PartialDirectory {
   bool m_IsDone = false;
 };
 
+[[noreturn]] void FailDamaged(const std::string& what) {
+  throw Damage(
+      "220400000022",
+      "The database cannot be copied. " + what + ". Salvage the database to copy what is intact.",
+      kLocation);
+}
+
+// Rows of unknown kinds were never looked at.
+void RequireChunkLists(const CommitRows& rows) {
+  std::size_t owner = 0;
+  const auto require = [&](const auto& row) {
+    if (!IsEncoded(row)) FailDamaged(rows.TitleOf(owner) + ": its entry makes no sense");
+    ++owner;
+  };
+  for (const BlockRow& row : rows.blocks) require(row);
+  for (const IdMapRow& row : rows.idMaps) require(row);
+}
+
+const char* ReadChunk(const CatalogueState& state, const Extent& extent, Payload& from,
+                      std::vector<unsigned char>& bytes) {
+  const bool isInside = extent.offset >= Payload::kHeaderSize &&
+                        extent.offset <= state.payloadLength &&
+                        extent.length <= state.payloadLength - extent.offset;
+  return isInside ? from.Read(extent, bytes) : "this is no place for content";
+}
+
 // False when no more is wanted.
 bool CopyContent(const CommitRows& rows, Payload& from, Payload& to,
                  const FED_FileDatabase::Progress& progress) {
+  RequireChunkLists(rows);
   ProgressMeter meter(progress);
   meter.SetTotal(rows.CountBytes());
   std::vector<unsigned char> bytes;
   std::uint64_t done = 0;
   for (const auto& [chunk, owner] : rows.ListChunks()) {
-    bytes.resize(static_cast<std::size_t>(chunk.extent.length));
-    if (const char* const problem = from.Read(chunk.extent, bytes.data())) {
-      throw Damage("220400000022",
-                   "The database cannot be copied. " + rows.TitleOf(owner) + ": " +
-                       Describe(chunk, from.GetPath()) + ": " + problem +
-                       ". Salvage the database to copy what is intact.",
-                   kLocation);
+    if (const char* const problem = ReadChunk(rows.state, chunk.extent, from, bytes)) {
+      FailDamaged(rows.TitleOf(owner) + ": " + Describe(chunk, from.GetPath()) + ": " + problem);
     }
     to.WriteAt(chunk.extent.offset, bytes.data(), bytes.size());
     done += bytes.size();

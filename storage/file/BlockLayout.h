@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "Catalogue.h"
+#include "Extent.h"
 #include "FED_DataDescriptor.h"
 
 namespace qelta {
@@ -24,6 +26,13 @@ std::size_t RecordSizeOf(const std::string& format);
 
 /// Records of a chunk, as a power of two: about kChunkBytes of them and a multiple of 64.
 unsigned ShiftFor(std::size_t recordSize);
+
+/// Bytes of a full chunk.
+std::size_t ChunkSizeFor(Part part, std::size_t recordSize);
+
+/// What makes no sense in the row of a block, whose format is one, for a message; null when all
+/// does. `chunks` become its chunks, by part and number.
+const char* FindFault(const BlockRow& row, std::vector<StoredChunk>& chunks);
 
 /// Whether this program means the same by the block's kind as the one that stored it.
 bool IsKnownHere(const FED_DataDescriptor& descriptor, const std::string& format);

@@ -5,11 +5,10 @@
 #include <variant>
 
 #include "Catalogue.h"
+#include "FormatVersion.h"
 #include "SqliteConnection.h"
 
 namespace qelta {
-
-constexpr int kFormatVersion = 1;
 
 /// The rows of a table, and the sum of their hashes modulo 2^64.
 struct TableSum {

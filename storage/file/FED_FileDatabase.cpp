@@ -167,8 +167,9 @@ bool FED_FileDatabase::Refresh() {
   if (newest.generation == store.GetState().generation) return false;
   auto fresh = std::make_shared<qelta::FileStore>(m_Files, store.GetDirectory(), GetMode(),
                                                   store.GetCache().GetCapacity());
+  auto next = m_Session->Prepare(std::move(fresh), m_BlockSet);
   SaveData();  // closes all blocks; a reader has nothing to save
-  m_Session->MoveTo(std::move(fresh), m_BlockSet, GetIdMapsPool());
+  m_Session->MoveTo(std::move(next), m_BlockSet, GetIdMapsPool());
   return true;
 }
 

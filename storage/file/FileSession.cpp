@@ -30,17 +30,23 @@ void FileSession::Save(const FED_DataBlockSet& blocks, const FED_IdMapsPool& poo
   m_IdMaps.Committed(*m_Store);
 }
 
-void FileSession::MoveTo(std::shared_ptr<FileStore> store, FED_DataBlockSet& blocks,
-                         FED_IdMapsPool& pool) {
-  StoredNames names;
-  IdMapStore maps;
-  maps.Replace(*store, m_IdMaps, pool);
-  names.Replace(*store, m_Names, blocks);
-  store->CountClosingsFrom(*m_Store);
+FileSession::Successor FileSession::Prepare(std::shared_ptr<FileStore> store,
+                                            FED_DataBlockSet& blocks) const {
+  Successor next;
+  next.maps.Prepare(*store, m_IdMaps);
+  next.names.Prepare(*store, m_Names, blocks);
+  next.store = std::move(store);
+  return next;
+}
+
+void FileSession::MoveTo(Successor&& next, FED_DataBlockSet& blocks, FED_IdMapsPool& pool) {
+  next.store->CountClosingsFrom(*m_Store);
   m_Store->Close();
-  m_Store = std::move(store);
-  m_Names = std::move(names);
-  m_IdMaps = std::move(maps);
+  m_Store = std::move(next.store);
+  m_Names = std::move(next.names);
+  m_IdMaps = std::move(next.maps);
+  m_Names.ForgetOld(blocks);
+  m_IdMaps.Replace(pool);
 }
 
 }  // namespace qelta

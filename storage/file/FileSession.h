@@ -25,8 +25,17 @@ class FileSession {
   bool HasChanges(const FED_DataBlockSet& blocks, const FED_IdMapsPool& pool);
   void Save(const FED_DataBlockSet& blocks, const FED_IdMapsPool& pool);
 
-  /// Goes on with a store that was opened later; all blocks must be closed.
-  void MoveTo(std::shared_ptr<FileStore> store, FED_DataBlockSet& blocks, FED_IdMapsPool& pool);
+  /// What is known of a store that was opened later.
+  struct Successor {
+    std::shared_ptr<FileStore> store;
+    StoredNames names;
+    IdMapStore maps;
+  };
+  /// Does all that can fail about going on with that store; nothing has changed when it does. The
+  /// descriptors of both stores are registered then, but no block of the new one can be opened.
+  Successor Prepare(std::shared_ptr<FileStore> store, FED_DataBlockSet& blocks) const;
+  /// Goes on with it, which was the last thing prepared; all blocks must be closed. Never fails.
+  void MoveTo(Successor&& next, FED_DataBlockSet& blocks, FED_IdMapsPool& pool);
 
  private:
   std::shared_ptr<FileStore> m_Store;

@@ -27,12 +27,32 @@ void FileStore::FailUnusable() const {
   throw FED_Failure("220300000041", text + ".", kLocation);
 }
 
+void FileStore::FailDamaged(const char* what) const {
+  throw Damage(
+      "220300000044",
+      "The catalogue of the database " + m_Directory + " is damaged: " + what + ". Salvage it.",
+      kLocation);
+}
+
 FileStore::ContentPointer FileStore::Find(const std::string& key) const {
   return m_Contents.Find(key);
 }
 
 FileStore::ContentPointer FileStore::Find(const FED_DataDescriptor& descriptor) const {
   return Find(EncodeKey(descriptor));
+}
+
+bool FileStore::IsUnknownName(const std::string& key) {
+  if (m_Unknown.empty()) return false;
+  if (m_UnknownNames.empty()) {
+    std::unordered_set<std::string> names;
+    for (const BlockRow& row : m_Unknown) names.insert(row.key);
+    for (const AliasRow& row : m_Aliases) {
+      if (names.count(row.key) != 0) names.insert(row.alias);
+    }
+    m_UnknownNames.swap(names);
+  }
+  return m_UnknownNames.count(key) != 0;
 }
 
 FileStore::ContentPointer FileStore::Add(const FED_DataDescriptor& descriptor,
@@ -42,8 +62,7 @@ FileStore::ContentPointer FileStore::Add(const FED_DataDescriptor& descriptor,
   row.key = EncodeKey(descriptor);
   row.format = format;
   row.properties = properties;
-  const auto isSame = [&](const BlockRow& unknown) { return unknown.key == row.key; };
-  if (std::any_of(m_Unknown.begin(), m_Unknown.end(), isSame)) {
+  if (IsUnknownName(row.key)) {
     FED_Failure::Throw("220300000042", kLocation,
                        "Block %s is stored in %s in a form that this program does not know. Choose "
                        "another key, or use the program that wrote it.",
@@ -130,7 +149,7 @@ PayloadSpace& FileStore::GetSpace() {
   std::vector<PayloadSpace::Range> used;
   const auto use = [&](const std::string& packed) {
     std::vector<StoredChunk> chunks;
-    UnpackChunks(packed, chunks);
+    if (!UnpackChunks(packed, chunks)) FailDamaged("a list of chunks makes no sense");
     for (const StoredChunk& chunk : chunks) {
       used.emplace_back(chunk.extent.offset, chunk.extent.length);
     }
@@ -139,18 +158,17 @@ PayloadSpace& FileStore::GetSpace() {
   for (const BlockRow& row : m_Unknown) use(row.chunks);
   for (const IdMapRow& row : m_IdMaps) use(row.chunks);
   std::sort(used.begin(), used.end());
+  const std::uint64_t length = m_State.payloadLength;
   std::uint64_t end = Payload::kHeaderSize;
-  for (const auto& [offset, length] : used) {
-    if (offset < end || offset + length < offset) {
-      throw Damage("220300000044",
-                   "The catalogue of the database " + m_Directory +
-                       " is damaged: two of its blocks claim the same bytes. Salvage it.",
-                   kLocation);
+  for (const auto& [offset, size] : used) {
+    if (offset < Payload::kHeaderSize || offset > length || size > length - offset) {
+      FailDamaged("a block lies outside of its file");
     }
-    end = offset + length;
+    if (offset < end) FailDamaged("two of its blocks claim the same bytes");
+    end = offset + size;
   }
-  m_Space = std::make_unique<PayloadSpace>(
-      Payload::kHeaderSize, used, std::max(end, m_State.payloadLength), m_State.generation);
+  m_Space = std::make_unique<PayloadSpace>(Payload::kHeaderSize, used, std::max(end, length),
+                                           m_State.generation);
   Reclaim();
   return *m_Space;
 }
@@ -235,7 +253,7 @@ CatalogueState FileStore::ReadNewest() {
   RequireUsable();
   m_Lock->BeginRead();
   try {
-    const CatalogueState state =
+    CatalogueState state =
         DatabaseDirectory(m_Files, m_Directory).OpenCatalogueToRead()->ReadState();
     m_Lock->EndRead();
     return state;

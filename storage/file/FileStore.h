@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -60,12 +61,15 @@ class FileStore {
   /// Blocks whose kind this program lacks or defines otherwise: they are left alone.
   const std::vector<BlockRow>& GetUnknownBlocks() const { return m_Unknown; }
 
+  /// Whether one of these blocks has that name.
+  bool IsUnknownName(const std::string& key);
+
   // Blocks.
 
   /// Null when there is none.
   ContentPointer Find(const FED_DataDescriptor& descriptor) const;
   ContentPointer Find(const std::string& key) const;
-  /// The block must not be there.
+  /// The block must not be there; fails under the name of one that is left alone.
   ContentPointer Add(const FED_DataDescriptor& descriptor, const std::string& format,
                      std::int32_t properties);
   void Delete(const FED_DataDescriptor& descriptor);
@@ -167,6 +171,7 @@ class FileStore {
   void ReleaseFiles() noexcept;
   std::string PathOf(const std::string& name) const { return m_Directory + "/" + name; }
   [[noreturn]] void FailUnusable() const;
+  [[noreturn]] void FailDamaged(const char* what) const;
 
   FileSystem& m_Files;
   std::string m_Directory;
@@ -187,6 +192,7 @@ class FileStore {
   std::vector<AliasRow> m_Aliases;
   std::vector<IdMapRow> m_IdMaps;
   std::vector<BlockRow> m_Unknown;
+  std::unordered_set<std::string> m_UnknownNames;  // when they are asked for
   ContentTable m_Contents;
   std::vector<FileContent*> m_Changed;
   std::vector<BlockRow> m_Rows;  // of those, while a commit is made

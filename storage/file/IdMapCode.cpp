@@ -52,40 +52,38 @@ void Append(std::vector<Run>& runs, std::int64_t index, std::int64_t id) {
   runs.push_back({index, id, 1});
 }
 
-std::size_t CountOf(const FED_IdMap& map) {
-  const auto* const memory = dynamic_cast<const FED_MemoryIdMap*>(&map);
-  return memory != nullptr ? memory->GetCount() : static_cast<std::size_t>(map.GetMaxIndex() + 1);
+std::vector<Run> ListRuns(const FED_IdMap& map) {
+  std::vector<Run> runs;
+  if (const auto* const memory = dynamic_cast<const FED_MemoryIdMap*>(&map)) {
+    for (const IdRun& run : memory->ListRuns()) runs.push_back({run.index, run.id, run.length});
+    return runs;
+  }
+  const std::int64_t last = map.GetMaxIndex();
+  for (std::int64_t index = 0; index <= last; ++index) {
+    if (map.ContainsIndex(index)) Append(runs, index, map.IdOfIndex(index));
+  }
+  return runs;
 }
 
-// Once there are gaps, from both ends: entities far behind the others are not searched for.
-std::vector<std::int64_t> IndicesOf(const FED_IdMap& map) {
-  const std::size_t count = CountOf(map);
-  std::vector<std::int64_t> front;
-  std::vector<std::int64_t> back;
-  std::int64_t low = 0;
-  std::int64_t high = map.GetMaxIndex();
-  while (low <= high && front.size() + back.size() < count) {
-    if (map.ContainsIndex(low)) front.push_back(low);
-    ++low;
-    const bool hasGaps = front.size() < static_cast<std::size_t>(low);
-    if (!hasGaps || low > high) continue;
-    if (map.ContainsIndex(high)) back.push_back(high);
-    --high;
+std::vector<Name> ListNames(const FED_IdMap& map, const std::vector<Run>& runs) {
+  std::vector<Name> names;
+  const auto* const memory = dynamic_cast<const FED_MemoryIdMap*>(&map);
+  if (memory != nullptr && memory->GetNameCount() == 0) return names;
+  for (const Run& run : runs) {
+    for (std::int64_t index = run.index; index < run.index + run.length; ++index) {
+      if (!map.HasNameAt(index)) continue;
+      std::string name;
+      map.NameOfIndex(index, name);
+      if (!name.empty()) names.push_back({index, std::move(name)});
+    }
   }
-  front.insert(front.end(), back.rbegin(), back.rend());
-  return front;
+  return names;
 }
 
 Entities List(const FED_IdMap& map) {
-  Entities entities;
-  for (const std::int64_t index : IndicesOf(map)) {
-    Append(entities.runs, index, map.IdOfIndex(index));
-    if (!map.HasNameAt(index)) continue;
-    std::string name;
-    map.NameOfIndex(index, name);
-    if (!name.empty()) entities.names.push_back({index, std::move(name)});
-  }
-  return entities;
+  std::vector<Run> runs = ListRuns(map);
+  std::vector<Name> names = ListNames(map, runs);
+  return {std::move(runs), std::move(names)};
 }
 
 bool TakeRun(ByteSource& source, std::int64_t end, Run& run) {

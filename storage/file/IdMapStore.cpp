@@ -3,12 +3,11 @@
 #include <xxhash.h>
 
 #include <algorithm>
-#include <memory>
 
+#include "BlockLayout.h"
 #include "ChunkStream.h"
 #include "Damage.h"
 #include "FED_LogMacros.h"
-#include "FED_MemoryIdMap.h"
 #include "FED_OnfMetaData.h"
 #include "FileStore.h"
 #include "IdMapCode.h"
@@ -17,7 +16,6 @@ namespace qelta {
 namespace {
 
 constexpr const char* kLocation = "|%P|QeltaFileStorage|IdMapStore";
-constexpr std::size_t kChunkBytes = std::size_t{256} * 1024;
 
 [[noreturn]] void FailDamaged(std::int32_t type, const std::string& what) {
   const bool isType = 0 <= type && type < 16;
@@ -39,27 +37,30 @@ bool IsSame(const StoredChunk& a, const StoredChunk& b) {
 }  // namespace
 
 // Only maps in memory count what they know.
-bool IdMapStore::HasSignature(const FED_IdMap& map, Signature& signature) {
-  const auto* const counted = dynamic_cast<const FED_MemoryIdMap*>(&map);
+bool IdMapStore::HasSignature(const FED_IdMapsPool& pool, FED_IdType type, Signature& signature) {
+  const std::shared_ptr<const FED_IdMap> map = pool.ShareMap(type);
+  const auto* const counted = dynamic_cast<const FED_MemoryIdMap*>(map.get());
   if (counted == nullptr) return false;
-  signature = {&map, counted->GetCount(), counted->GetNameCount()};
+  signature = {map.get(), map, counted->GetCount(), counted->GetNameCount()};
   return true;
 }
 
 std::string IdMapStore::ReadBytes(FileStore& store, const IdMapRow& row, Entry& entry) {
   std::string bytes;
+  std::vector<unsigned char> part;
   if (row.type < 0 || !UnpackChunks(row.chunks, entry.chunks)) {
     FailDamaged(row.type, "its list of chunks makes no sense");
   }
   for (const StoredChunk& chunk : entry.chunks) {
-    const std::size_t at = bytes.size();
-    if (chunk.extent.length > row.bytes - at) FailDamaged(row.type, "its chunks are too long");
-    bytes.resize(at + static_cast<std::size_t>(chunk.extent.length));
-    const char* const problem = store.GetPayload().Read(chunk.extent, &bytes[at]);
+    if (chunk.extent.length > std::min<std::uint64_t>(row.bytes - bytes.size(), kChunkBytes)) {
+      FailDamaged(row.type, "its chunks are too long");
+    }
+    const char* const problem = store.GetPayload().Read(chunk.extent, part);
     if (problem != nullptr) {
       FailDamaged(row.type, "at offset " + std::to_string(chunk.extent.offset) + " of " +
                                 store.GetPayload().GetPath() + ": " + problem);
     }
+    bytes.append(part.begin(), part.end());
   }
   if (bytes.size() != row.bytes) FailDamaged(row.type, "a part of it is missing");
   entry.hash = HashOf(bytes);
@@ -75,20 +76,29 @@ void IdMapStore::Load(FileStore& store, FED_IdMapsPool& pool) {
     FED_IdMap& map = pool.GetMap(type);
     const bool wasEmpty = map.GetMaxIndex() < 0;
     MergeIdMap(type, bytes, map);
-    if (wasEmpty) HasSignature(map, entry.saved);
+    if (wasEmpty) HasSignature(pool, type, entry.saved);
   }
 }
 
-void IdMapStore::Replace(FileStore& store, const IdMapStore& former, FED_IdMapsPool& pool) {
+void IdMapStore::Prepare(FileStore& store, const IdMapStore& former) {
+  std::array<std::string, kTypes> stored;
   for (const IdMapRow& row : store.GetIdMaps()) {
     if (row.type < 0 || row.type >= static_cast<std::int32_t>(kTypes)) continue;
     const auto place = static_cast<std::size_t>(row.type);
-    const std::string bytes = ReadBytes(store, row, m_Entries[place]);
-    if (m_Entries[place].hash == former.m_Entries[place].hash) continue;
-    const auto type = static_cast<FED_IdType>(row.type);
-    const auto map = std::make_shared<FED_MemoryIdMap>(type);
-    MergeIdMap(type, bytes, *map);
-    pool.SetMap(type, map);
+    stored[place] = ReadBytes(store, row, m_Entries[place]);
+  }
+  for (std::size_t i = 0; i < kTypes; ++i) {
+    if (m_Entries[i].hash == former.m_Entries[i].hash) continue;
+    const auto type = static_cast<FED_IdType>(i);
+    m_Entries[i].fresh = std::make_shared<FED_MemoryIdMap>(type);
+    MergeIdMap(type, stored[i], *m_Entries[i].fresh);
+  }
+}
+
+void IdMapStore::Replace(FED_IdMapsPool& pool) {
+  for (std::size_t i = 0; i < kTypes; ++i) {
+    std::shared_ptr<FED_MemoryIdMap>& fresh = m_Entries[i].fresh;
+    if (fresh != nullptr) pool.SetMap(static_cast<FED_IdType>(i), std::move(fresh));
   }
 }
 
@@ -97,16 +107,17 @@ std::vector<IdMapRow> IdMapStore::Collect(FileStore& store, const FED_IdMapsPool
   for (std::size_t i = 0; i < kTypes; ++i) {
     const auto type = static_cast<FED_IdType>(i);
     IdMapRow row;
-    if (CollectOne(store, type, pool.GetMap(type), row)) rows.push_back(std::move(row));
+    if (CollectOne(store, type, pool, row)) rows.push_back(std::move(row));
   }
   return rows;
 }
 
 bool IdMapStore::HaveChanged(const FED_IdMapsPool& pool) const {
   for (std::size_t i = 0; i < kTypes; ++i) {
-    const FED_IdMap& map = pool.GetMap(static_cast<FED_IdType>(i));
+    const auto type = static_cast<FED_IdType>(i);
+    const FED_IdMap& map = pool.GetMap(type);
     Signature now;
-    if (HasSignature(map, now) && now == m_Entries[i].saved) continue;
+    if (HasSignature(pool, type, now) && now == m_Entries[i].saved) continue;
     if (HidesEntities(map)) continue;
     std::uint64_t entities = 0;
     const std::string bytes = EncodeIdMap(map, entities);
@@ -116,11 +127,12 @@ bool IdMapStore::HaveChanged(const FED_IdMapsPool& pool) const {
   return false;
 }
 
-bool IdMapStore::CollectOne(FileStore& store, FED_IdType type, const FED_IdMap& map,
+bool IdMapStore::CollectOne(FileStore& store, FED_IdType type, const FED_IdMapsPool& pool,
                             IdMapRow& row) {
+  const FED_IdMap& map = pool.GetMap(type);
   Entry& entry = m_Entries[static_cast<std::size_t>(type)];
   Signature now;
-  const bool isCounted = HasSignature(map, now);
+  const bool isCounted = HasSignature(pool, type, now);
   if (isCounted && !entry.isPending && now == entry.saved) return false;
   if (HidesEntities(map)) {
     if (entry.isReported) return false;

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,7 @@
 #include "Extent.h"
 #include "FED_IdMapsPool.h"
 #include "FED_IdType.h"
+#include "FED_MemoryIdMap.h"
 
 namespace qelta {
 
@@ -21,9 +23,11 @@ class IdMapStore {
   /// Fills the maps of the pool with what is stored; see MergeIdMap for what is a failure.
   void Load(FileStore& store, FED_IdMapsPool& pool);
 
-  /// Puts fresh maps with what is stored in the place of maps that are stored otherwise than
-  /// `former` says.
-  void Replace(FileStore& store, const IdMapStore& former, FED_IdMapsPool& pool);
+  /// Prepares for a store that was opened anew, in the place of what `former` loaded: makes fresh
+  /// maps of what is stored otherwise now.
+  void Prepare(FileStore& store, const IdMapStore& former);
+  /// Puts the fresh maps into the pool. Never fails.
+  void Replace(FED_IdMapsPool& pool);
 
   /// The rows of the maps that have changed since the last commit, their content written. Maps that
   /// cannot be listed are left out and logged.
@@ -41,14 +45,17 @@ class IdMapStore {
  private:
   static constexpr std::size_t kTypes = 16;
 
-  // Tells one state of a map from another.
+  // Tells one state of a map from another. A map that comes where another one was has another
+  // owner.
   struct Signature {
     const FED_IdMap* map = nullptr;
+    std::weak_ptr<const FED_IdMap> owner;
     std::uint64_t entities = 0;
     std::uint64_t names = 0;
 
     bool operator==(const Signature& other) const {
-      return map == other.map && entities == other.entities && names == other.names;
+      return map == other.map && !owner.owner_before(other.owner) &&
+             !other.owner.owner_before(owner) && entities == other.entities && names == other.names;
     }
   };
 
@@ -59,15 +66,16 @@ class IdMapStore {
     std::uint64_t collectedHash = 0;
     std::vector<StoredChunk> chunks;
     std::vector<StoredChunk> collectedChunks;
+    std::shared_ptr<FED_MemoryIdMap> fresh;  // until it is put into the pool
     bool isPending = false;
     bool isReported = false;
   };
 
-  static bool HasSignature(const FED_IdMap& map, Signature& signature);
+  static bool HasSignature(const FED_IdMapsPool& pool, FED_IdType type, Signature& signature);
   static std::string ReadBytes(FileStore& store, const IdMapRow& row, Entry& entry);
   static void ReleaseUnshared(FileStore& store, const std::vector<StoredChunk>& chunks,
                               const std::vector<StoredChunk>& kept, std::uint64_t birth);
-  bool CollectOne(FileStore& store, FED_IdType type, const FED_IdMap& map, IdMapRow& row);
+  bool CollectOne(FileStore& store, FED_IdType type, const FED_IdMapsPool& pool, IdMapRow& row);
 
   std::array<Entry, kTypes> m_Entries;
 };

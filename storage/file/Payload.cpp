@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <cstring>
 #include <iterator>
+#include <limits>
 
 #include "Damage.h"
 #include "FED_Message.h"
+#include "FormatVersion.h"
 #include "LittleEndian.h"
 
 namespace qelta {
@@ -17,7 +19,6 @@ constexpr const char* kLocation = "|%P|QeltaFileStorage|Payload";
 
 constexpr char kMagic[] = "QELTAPAY";
 constexpr std::size_t kMagicSize = 8;
-constexpr std::uint32_t kVersion = 1;
 
 // The fixed part of the header: magic, version, uuid, checksum. Slots: generation, checksum.
 constexpr std::size_t kVersionAt = 8;
@@ -35,7 +36,7 @@ using Header = std::array<unsigned char, kFixedSize + 8>;
 Header MakeHeader(const Uuid& uuid) {
   Header header{};
   std::memcpy(header.data(), kMagic, kMagicSize);
-  PutNumber(&header[kVersionAt], kVersion, 4);
+  PutNumber(&header[kVersionAt], kFormatVersion, 4);
   std::copy(uuid.begin(), uuid.end(), header.begin() + kUuidAt);
   PutNumber(&header[kFixedSize], XXH3_64bits(header.data(), kFixedSize), 8);
   return header;
@@ -103,7 +104,7 @@ Payload::Payload(FileSystem& files, const std::string& path, const Uuid& uuid, b
   if (read == header.size() && header == expected) return;
   if (read == header.size() && std::memcmp(header.data(), kMagic, kMagicSize) == 0 &&
       GetNumber(&header[kFixedSize], 8) == XXH3_64bits(header.data(), kFixedSize)) {
-    const bool isNewer = GetNumber(&header[kVersionAt], 4) > kVersion;
+    const bool isNewer = GetNumber(&header[kVersionAt], 4) > kFormatVersion;
     FED_Failure::Throw("220300000002", kLocation,
                        isNewer ? "%s was written by a newer version of this library; update it."
                                : "%s belongs to another database than the catalogue beside it. "
@@ -152,8 +153,10 @@ void Payload::WriteNow(std::uint64_t offset, const void* data, std::size_t size)
 }
 
 const char* Payload::ReadFrom(File& file, const Extent& extent, void* data) {
+  constexpr std::uint64_t kMost = std::numeric_limits<std::int64_t>::max();
+  const bool isInFile = extent.offset <= kMost && extent.length <= kMost - extent.offset;
   const auto size = static_cast<std::size_t>(extent.length);
-  if (file.ReadAt(extent.offset, data, size) < size) return "the file ends before it";
+  if (!isInFile || file.ReadAt(extent.offset, data, size) < size) return "the file ends before it";
   if (XXH3_64bits(data, size) != extent.checksum) return "its checksum is wrong";
   return nullptr;
 }
@@ -161,6 +164,16 @@ const char* Payload::ReadFrom(File& file, const Extent& extent, void* data) {
 const char* Payload::Read(const Extent& extent, void* data) {
   if (Touches(extent.offset, static_cast<std::size_t>(extent.length))) Flush();
   return ReadFrom(*m_File, extent, data);
+}
+
+const char* Payload::Read(const Extent& extent, std::vector<unsigned char>& bytes) {
+  Flush();
+  const std::uint64_t size = m_File->GetSize();
+  if (extent.offset > size || extent.length > size - extent.offset) {
+    return "the file ends before it";
+  }
+  bytes.resize(static_cast<std::size_t>(extent.length));
+  return ReadFrom(*m_File, extent, bytes.data());
 }
 
 void Payload::Flush() {

@@ -46,6 +46,8 @@ class Payload {
 
   /// As ReadFrom, for bytes that may not be in the file yet.
   const char* Read(const Extent& extent, void* data);
+  /// The same for an extent that may claim anything; `bytes` get its length if the file has it.
+  const char* Read(const Extent& extent, std::vector<unsigned char>& bytes);
 
   void Flush();
   /// Flushes, and makes it durable.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <unordered_map>
 #include <utility>
 
 #include "ContentKind.h"
@@ -10,6 +11,7 @@
 #include "FED_Message.h"
 #include "HeldCommit.h"
 #include "IdMapCode.h"
+#include "IoFailure.h"
 #include "KeyCode.h"
 #include "Maintenance.h"
 #include "ProgressMeter.h"
@@ -215,9 +217,11 @@ class DatabaseSalvage {
   FED_FileDatabase::Report CopyTo(const std::wstring& target) {
     FED_FileDatabase copy(m_Files);
     copy.InitDb(FED_IdMapsPool(), FED_DatabaseDefs::CREATE, 0, target);
+    for (const BlockRow& row : m_Rows.blocks) m_Newest[row.key] = &row;
     for (const BlockRow& row : m_Rows.blocks) {
       if (!m_Meter.GoesOn()) break;
-      CopyBlock(row, copy);
+      ++m_Report.blocks;
+      TryBlock(row, copy);
       Step(copy);
     }
     for (const IdMapRow& row : m_Rows.idMaps) CopyIdMap(row, copy);
@@ -254,10 +258,24 @@ class DatabaseSalvage {
     return m_Meter.GoesOn();
   }
 
-  void CopyBlock(const BlockRow& row, FED_FileDatabase& copy) {
+  // Nothing of the block may stop the others. What the system refuses is the copy's matter.
+  void TryBlock(const BlockRow& row, FED_FileDatabase& copy) {
     FED_DataDescriptor key;
     DecodeKey(row.key, key);
-    ++m_Report.blocks;
+    try {
+      CopyBlock(row, key, copy);
+    } catch (const IoFailure&) {
+      throw;
+    } catch (const FED_Failure& failure) {
+      m_Report.problems.push_back("Block " + key.ToString() +
+                                  ": it, or a part of it, is lost: " + failure.GetMessageText());
+    }
+  }
+
+  void CopyBlock(const BlockRow& row, const FED_DataDescriptor& key, FED_FileDatabase& copy) {
+    if (m_Newest[row.key] != &row) {
+      return Add("Block " + key.ToString() + ": an old entry of it is still there; it is left out");
+    }
     if (!IsKnownHere(key, row.format)) {
       return Add("Block " + key.ToString() + ": its kind, of format '" + row.format +
                  "', is not known here or has another format; it is left out");
@@ -312,6 +330,7 @@ class DatabaseSalvage {
   HeldCommit m_Held;
   ProgressMeter m_Meter;
   CommitRows m_Rows;
+  std::unordered_map<std::string, const BlockRow*> m_Newest;  // by key, of entries that are intact
   std::unique_ptr<SavedPayload> m_Payload;
   FED_FileDatabase::Report m_Report;
   std::uint64_t m_Saved = 0;

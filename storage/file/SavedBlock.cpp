@@ -12,7 +12,6 @@
 namespace qelta {
 namespace {
 
-constexpr std::uint64_t kMaxSpan = std::uint64_t{1} << 31;
 constexpr std::uint64_t kBits = 64;
 
 // Joins runs that follow one another.
@@ -84,28 +83,10 @@ SavedBlock::SavedBlock(SavedPayload& payload, const BlockRow& row, LossHandler o
       m_Shift(ShiftFor(m_RecordSize)) {}
 
 std::string SavedBlock::Open() {
-  if (m_Row.records > m_Row.span || m_Row.span > kMaxSpan || m_Row.handles > kMaxHandle) {
-    return "its counts of records make no sense";
-  }
   std::vector<StoredChunk> chunks;
-  if (!UnpackChunks(m_Row.chunks, chunks)) return "its list of chunks makes no sense";
+  if (const char* const fault = FindFault(m_Row, chunks)) return fault;
   for (const StoredChunk& chunk : chunks) {
-    if (chunk.part > Part::CONTENTS) return "one of its chunks is no part of a block";
-    if (chunk.extent.length > GetChunkSize(chunk.part)) return "one of its chunks is too long";
     m_Streams[PlaceOf(chunk.part)].chunks.push_back({chunk, State::UNSEEN});
-  }
-  return Sort();
-}
-
-std::string SavedBlock::Sort() {
-  for (Stream& stream : m_Streams) {
-    const auto number = [](const Chunk& chunk) { return chunk.stored.number; };
-    std::sort(stream.chunks.begin(), stream.chunks.end(),
-              [&](const Chunk& a, const Chunk& b) { return number(a) < number(b); });
-    const auto twice =
-        std::adjacent_find(stream.chunks.begin(), stream.chunks.end(),
-                           [&](const Chunk& a, const Chunk& b) { return number(a) == number(b); });
-    if (twice != stream.chunks.end()) return "it has a chunk twice";
   }
   return "";
 }

@@ -54,9 +54,7 @@ class SavedBlock {
 
   std::size_t GetRecordSize() const { return m_RecordSize; }
   std::size_t GetRecordsPerChunk() const { return std::size_t{1} << m_Shift; }
-  std::size_t GetChunkSize(Part part) const {
-    return part == Part::RECORDS ? m_RecordSize << m_Shift : kChunkBytes;
-  }
+  std::size_t GetChunkSize(Part part) const { return ChunkSizeFor(part, m_RecordSize); }
 
   struct Bytes {
     const unsigned char* data = nullptr;
@@ -103,7 +101,6 @@ class SavedBlock {
 
   static std::size_t PlaceOf(Part part) { return static_cast<std::size_t>(part) - 1; }
   static Chunk* FindChunk(Stream& stream, std::uint32_t number);
-  std::string Sort();
   Bytes Load(Stream& stream, Chunk& chunk);
   std::uint64_t ReadDense();
 

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "Damage.h"
+#include "FED_LogMacros.h"
 #include "FileContent.h"
 #include "FileStore.h"
 #include "KeyCode.h"
@@ -22,50 +23,58 @@ FED_DataDescriptor Decode(const std::string& key) {
 
 }  // namespace
 
-void StoredNames::Load(FileStore& store, FED_DataBlockSet& blocks) {
-  for (const auto& [descriptor, content] : store.TakeStored()) {
-    blocks.StoreDataBlockInstance(descriptor, nullptr);
-  }
+// A name that has a block of its own is no alias.
+void StoredNames::Read(FileStore& store) {
   for (const AliasRow& row : store.GetAliases()) {
-    if (store.Find(row.key) != nullptr) m_Saved.emplace(row.alias, row.key);
+    if (store.Find(row.key) == nullptr) {
+      if (store.IsUnknownName(row.key)) m_Unknown.push_back(row);
+    } else if (store.Find(row.alias) == nullptr) {
+      m_Saved.emplace(row.alias, row.key);
+    }
   }
-  RegisterAliases(m_Saved, blocks);
-  m_StoreCount = blocks.GetStoreCount();
-  m_BlockChanges = store.GetBlockChanges();
 }
 
-void StoredNames::RegisterAliases(const Aliases& aliases, FED_DataBlockSet& blocks) {
-  for (const auto& [alias, key] : aliases) {
+void StoredNames::RegisterAliases(FED_DataBlockSet& blocks) const {
+  for (const auto& [alias, key] : m_Saved) {
     FED_DataDescriptor name = Decode(alias);
     blocks.StoreDataBlockAlias(Decode(key), name);
   }
 }
 
-void StoredNames::Replace(FileStore& store, const StoredNames& former, FED_DataBlockSet& blocks) {
-  const auto stored = store.TakeStored();
-  for (const AliasRow& row : store.GetAliases()) {
-    if (store.Find(row.key) != nullptr) m_Saved.emplace(row.alias, row.key);
+void StoredNames::Load(FileStore& store, FED_DataBlockSet& blocks) {
+  for (const auto& [descriptor, content] : store.TakeStored()) {
+    blocks.StoreDataBlockInstance(descriptor, nullptr);
   }
-  Aliases added;
-  for (const auto& alias : m_Saved) {
-    const auto known = former.m_Saved.find(alias.first);
-    if (known == former.m_Saved.end() || known->second != alias.second) added.insert(alias);
-  }
+  Read(store);
+  RegisterAliases(blocks);
+  m_StoreCount = blocks.GetStoreCount();
+  m_BlockChanges = store.GetBlockChanges();
+}
+
+// What is no longer an alias gets a position of its own.
+void StoredNames::Prepare(FileStore& store, const StoredNames& former, FED_DataBlockSet& blocks) {
+  Read(store);
   for (const FED_DataDescriptor& name : blocks.FindBlocksInstances(FED_DataDescriptorPattern())) {
     const std::string key = EncodeKey(name);
-    const auto alias = m_Saved.find(key);
-    const bool isAlias = alias != m_Saved.end() && added.count(key) == 0;
-    const bool isBlock = store.Find(key) != nullptr && former.m_Saved.count(key) == 0;
-    if (!isAlias && !isBlock) blocks.ForgetDescriptor(name);
+    if (store.Find(key) == nullptr && m_Saved.count(key) == 0) m_Old.push_back(name);
   }
-  for (const auto& [descriptor, content] : stored) {
-    if (blocks.FindPosition(descriptor) < 0) blocks.StoreDataBlockInstance(descriptor, nullptr);
+  FED_DataBlockSet both(blocks);
+  for (const auto& [descriptor, content] : store.TakeStored()) {
+    const bool isNew =
+        both.FindPosition(descriptor) < 0 || former.m_Saved.count(EncodeKey(descriptor)) != 0;
+    if (isNew) both.StoreDataBlockInstance(descriptor, nullptr);
   }
-  RegisterAliases(m_Saved, blocks);
+  RegisterAliases(both);
+  blocks = both;
   m_StoreCount = blocks.GetStoreCount();
 }
 
-StoredNames::Aliases StoredNames::Find(const FileStore& store, const FED_DataBlockSet& blocks) {
+void StoredNames::ForgetOld(FED_DataBlockSet& blocks) {
+  for (const FED_DataDescriptor& name : m_Old) blocks.ForgetDescriptor(name);
+  m_Old.clear();
+}
+
+StoredNames::Aliases StoredNames::Find(FileStore& store, const FED_DataBlockSet& blocks) {
   std::vector<const FED_DataDescriptor*> names;
   blocks.GetAliases(names);
   std::map<int, std::vector<std::string>> groups;
@@ -81,12 +90,24 @@ StoredNames::Aliases StoredNames::Find(const FileStore& store, const FED_DataBlo
   }
   Aliases aliases;
   for (const auto& [position, primary] : primaries) {
-    for (const std::string& alias : groups[position]) aliases.emplace(alias, primary);
+    for (const std::string& alias : groups[position]) {
+      if (IsStorable(store, alias)) aliases.emplace(alias, primary);
+    }
   }
   return aliases;
 }
 
-bool StoredNames::Collect(const FileStore& store, const FED_DataBlockSet& blocks,
+bool StoredNames::IsStorable(FileStore& store, const std::string& alias) {
+  if (!store.IsUnknownName(alias)) return true;
+  if (!m_Reported.insert(alias).second) return false;
+  FED_LogMacros::log_msg(FED_LogMacros::LOG_CONTINUED, __FILE__, __LINE__, kLocation,
+                         "The name %s of a block is not stored in %s: a block that this program "
+                         "does not know has it. Choose another name.",
+                         Decode(alias).ToString().c_str(), store.GetDirectory().c_str());
+  return false;
+}
+
+bool StoredNames::Collect(FileStore& store, const FED_DataBlockSet& blocks,
                           std::vector<AliasRow>& aliases) {
   aliases.clear();
   m_Collected = m_Saved;
@@ -95,6 +116,7 @@ bool StoredNames::Collect(const FileStore& store, const FED_DataBlockSet& blocks
   }
   m_Collected = Find(store, blocks);
   if (m_Collected == m_Saved) return false;
+  aliases = m_Unknown;
   for (const auto& [alias, key] : m_Collected) aliases.push_back({alias, key});
   return true;
 }

@@ -47,6 +47,7 @@ class TwoMaps {
       ASSERT_EQ(map.IndexOfId(id), index);
       ExpectSameAround(map, index, id);
     }
+    ExpectSameRuns(map);
   }
 
  private:
@@ -56,6 +57,20 @@ class TwoMaps {
       ASSERT_EQ(map.ContainsId(near), m_Indices.count(near) != 0) << near;
       ASSERT_EQ(map.ContainsIndex(index + step), m_Ids.count(index + step) != 0) << index + step;
     }
+  }
+
+  void ExpectSameRuns(const FED_MemoryIdMap& map) const {
+    std::map<std::int64_t, std::int32_t> ids;
+    std::pair<std::int64_t, std::int64_t> next(0, 0);  // would continue the run before
+    for (const qelta::IdRun& run : map.ListRuns()) {
+      ASSERT_TRUE(ids.empty() || std::make_pair(run.index, std::int64_t{run.id}) != next);
+      for (std::uint32_t i = 0; i < run.length; ++i) {
+        ids[run.index + i] = static_cast<std::int32_t>(run.id + std::int64_t{i});
+      }
+      ASSERT_EQ(ids.rbegin()->first, run.index + run.length - 1);  // they ascend
+      next = {run.index + run.length, run.id + std::int64_t{run.length}};
+    }
+    ASSERT_EQ(ids, m_Ids);
   }
 
   std::map<std::int64_t, std::int32_t> m_Ids;

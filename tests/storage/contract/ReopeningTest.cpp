@@ -119,6 +119,24 @@ TEST_P(KeptContent, IncludesTheIdMaps) {
   EXPECT_EQ(Open(kReadOnly)->GetIdMapsPool().GetMap(ID_TYPE_NODE).IndexOfId(3), 2);
 }
 
+// Maps that were saved go, and others come to stand where they were.
+TEST_P(KeptContent, IncludesTheIdMapsThatWereSetLast) {
+  const auto setMap = [&](std::int32_t id) {
+    const auto map = std::make_shared<FED_MemoryIdMap>(ID_TYPE_NODE);
+    map->Add(0, id);
+    Db().GetIdMapsPool().SetMap(ID_TYPE_NODE, map);
+  };
+  for (std::int32_t id = 10; id < 15; ++id) {
+    setMap(-id);
+    Save();
+    setMap(1);
+    setMap(id);
+    Save();
+    Reopen();
+    EXPECT_EQ(Map(ID_TYPE_NODE).IdOfIndex(0), id);
+  }
+}
+
 // Has entities and cannot list them.
 class EndlessMap : public FED_MemoryIdMap {
  public:

@@ -63,6 +63,7 @@ inline void Rewrite(const std::string& path, const std::function<void(CommitRows
   CatalogueChanges changes;
   changes.state = rows.state;
   for (const BlockRow& row : rows.blocks) changes.written.push_back(&row);
+  changes.idMaps = rows.idMaps;
   Catalogue(SystemFiles(), path + "/catalogue.sqlite", Catalogue::Access::WRITE, false)
       .Commit(changes);
 }

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "CatalogueRows.h"
 #include "FED_OnfInfoPool.h"
 #include "FED_RecordRuns.h"
 #include "FailureMatcher.h"
@@ -194,6 +195,41 @@ TEST_F(MaintenanceTest, SalvageDoesWithoutRowsAndTails) {
   EXPECT_FALSE(salvaged->GetDataBlock(Texts()).HasRecord(0));
 }
 
+std::string Hex(const std::string& bytes) {
+  std::string text;
+  char digits[3];
+  for (const char c : bytes) {
+    std::snprintf(digits, sizeof digits, "%02x", static_cast<unsigned char>(c));
+    text += digits;
+  }
+  return "x'" + text + "'";
+}
+
+TEST_F(MaintenanceTest, SalvageGoesOnAfterEntriesThatCannotBe) {
+  Rewrite(path, [](CommitRows& rows) {
+    rows.blocks.push_back(RowOf(rows, Sparse()));
+    rows.blocks.back().key = EncodeKey(CustomKey(-5));
+  });
+  BlockRow old;  // as on a page that was written before
+  old.key = EncodeKey(Sparse());
+  old.format = "I|d";
+  Sql(path,
+      "PRAGMA writable_schema = ON;"
+      "UPDATE sqlite_master SET sql = replace(sql, 'NOT NULL UNIQUE', 'NOT NULL')"
+      " WHERE name = 'blocks';"
+      "DELETE FROM sqlite_master WHERE name LIKE 'sqlite_autoindex_blocks%'");
+  Sql(path,
+      "INSERT INTO blocks(id, key, format, properties, records, span, handles,"
+      " content_bytes, chunks, hash) VALUES (0, " +
+          Hex(old.key) + ", 'I|d', 0, 0, 0, 0, 0, x'', " +
+          std::to_string(static_cast<std::int64_t>(RowHasher().Hash(0, old))) + ")");
+  const auto problems = Salvage(copy).problems;
+  EXPECT_THAT(problems, testing::Contains(HasSubstr(Sparse().ToString() + ": an old entry")));
+  EXPECT_THAT(problems, testing::Contains(HasSubstr(CustomKey(-5).ToString() + ": it, or a part")));
+  EXPECT_EQ(Open(copy)->GetDataBlock(Sparse()).GetScalar(8999), 8999);
+  EXPECT_EQ(TextAt(Open(copy)->GetDataBlock(Texts()), 0), std::string(1000, '\0'));
+}
+
 TEST_F(MaintenanceTest, CompactGivesSpaceBackAndKeepsWhatReadersSee) {
   auto writer = Open(path, FED_DatabaseDefs::READ_WRITE);
   const auto before = ContentOf(*writer);
@@ -230,6 +266,66 @@ TEST_F(MaintenanceTest, CompactTakesBlocksOfUnknownKindsAlong) {
   const std::string format = FED_OnfInfoPool::GetOnfInfo(ONF_TEMPERATURE).format;
   Rewrite(path, [&](CommitRows& rows) { RowOf(rows, Numbers()).format = format; });
   EXPECT_EQ(ContentOf(path), right);
+}
+
+// They belong to the block, which may be known to the next program.
+TEST_F(MaintenanceTest, NamesOfBlocksOfUnknownKindsStay) {
+  Change(Texts(), [](BlockRow& row) { row.format = "I|Z"; })(path);
+  {
+    const auto database = Open(path, FED_DatabaseDefs::READ_WRITE);
+    for (const FED_DataDescriptor& key : {Texts(), LabelKey("texts")}) {
+      EXPECT_THAT(CatchFailure([&] { database->CreateDataBlock(key, 0, 0, "I|d"); }).what(),
+                  HasSubstr("does not know"));
+    }
+    for (const char* label : {"texts", "more"}) {
+      FED_DataDescriptor alias = LabelKey(label);
+      database->CreateDataBlockAlias(Sparse(), alias);
+    }
+    database->Save();
+  }
+  Change(Texts(), [](BlockRow& row) { row.format = "I|SL"; })(path);
+  const auto database = Open(path);
+  EXPECT_EQ(TextAt(database->GetDataBlock(LabelKey("texts")), 300),
+            std::string(1000, static_cast<char>(300)));
+  EXPECT_EQ(database->GetDataBlock(LabelKey("more")).GetScalar(8), 8);
+}
+
+template <class Row>
+void ChangeChunk(Row& row, std::uint64_t offset, std::uint64_t length) {
+  std::vector<StoredChunk> chunks;
+  UnpackChunks(row.chunks, chunks);
+  chunks[0].extent = {offset, length, 0};
+  row.chunks = PackChunks(chunks);
+}
+
+TEST_F(MaintenanceTest, PlacesThatCannotBeAreDamageThatHarmsNothing) {
+  constexpr std::uint64_t kMuch = std::uint64_t{1} << 62;
+  const auto isDamage = [](const std::function<void()>& action, const char* text) {
+    EXPECT_THAT(CatchFailure(action).GetMessageText(), HasSubstr(text));
+  };
+  CopyFiles(path, copy);
+  Rewrite(copy, [&](CommitRows& rows) {
+    ChangeChunk(rows.idMaps[0], 12288, rows.idMaps[0].bytes = kMuch);
+  });
+  isDamage([&] { Open(copy); }, "too long");
+  const struct {
+    void (*change)(BlockRow&);
+    const char* byWriter;
+    const char* byBackup;
+  } cases[] = {{[](BlockRow& row) { ChangeChunk(row, 20000, kMuch); }, "outside", "no place"},
+               {[](BlockRow& row) { ChangeChunk(row, ~0ull - 7, 16); }, "outside", "no place"},
+               {[](BlockRow& row) { ChangeChunk(row, 0, 8); }, "outside", "no place"},
+               {[](BlockRow& row) { row.chunks[0] = 6; }, "no sense", "no sense"}};
+  for (const auto& [change, byWriter, byBackup] : cases) {
+    CopyFiles(path, copy);
+    Rewrite(copy, [&, change = change](CommitRows& rows) {
+      RowOf(rows, Numbers()).format = "I|Z";  // so that nobody looks at it before
+      change(RowOf(rows, Numbers()));
+    });
+    const auto database = Open(copy, FED_DatabaseDefs::READ_WRITE);
+    isDamage([&] { database->GetDataBlock(Sparse()).SetScalar(2, 7); }, byWriter);
+    isDamage([&] { database->Backup(Wide(directory / "backup")); }, byBackup);
+  }
 }
 
 // Every operation of the system fails once, in the short form every third one.

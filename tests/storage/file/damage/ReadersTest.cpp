@@ -4,6 +4,7 @@
 
 #include "BlockContents.h"
 #include "Child.h"
+#include "FED_Failure.h"
 #include "FED_RecordRuns.h"
 #include "Saves.h"
 #include "TemporaryDirectory.h"
@@ -40,6 +41,44 @@ TEST_F(Readers, SeeOneSaveEach) {
   SaveUpTo(last, *writer);
   EXPECT_TRUE(refreshing.EndsWell());
   EXPECT_TRUE(reopening.EndsWell());
+}
+
+TEST_F(Readers, GoToTheNewSaveOrStayWhereTheyAre) {
+  const auto change = [&](std::int32_t id) {
+    for (const FED_IdType type : {ID_TYPE_NODE, ID_TYPE_ELEMENT}) {
+      writer->GetIdMapsPool().GetMap(type).IndexOfIdForWrite(id);
+    }
+    writer->FetchDataBlock(LabelKey("both"), 0, 0, "I|d").SetScalar(0, id);
+    FED_DataDescriptor alias = LabelKey(id == 1 ? "changing" : "gone");
+    FED_DataBlock& block =
+        writer->CreateDataBlock(LabelKey(id == 1 ? "gone" : "changing"), 0, 0, "I|d");
+    block.SetScalar(0, 10 + id);
+    writer->CreateDataBlockAlias(LabelKey("both"), alias);
+    writer->Save();
+  };
+  change(1);
+  const auto reader = Open(path);
+  const std::string before = ContentOf(*reader);
+  FED_DataBlock& block = reader->GetDataBlock(LabelKey("both"));
+  for (const char* label : {"both", "gone"}) writer->DeleteDataBlock(LabelKey(label));
+  writer->Save();
+  change(2);
+  std::vector<StoredChunk> chunks;
+  UnpackChunks(RowsOf(path).idMaps[1].chunks, chunks);
+  FlipByte(PayloadOf(path), chunks[0].extent.offset);
+  EXPECT_THROW(reader->Refresh(), FED_Failure);
+  EXPECT_EQ(block.GetScalar(0), 1);  // it is still open
+  EXPECT_EQ(ContentOf(*reader), before);
+  FlipByte(PayloadOf(path), chunks[0].extent.offset);
+  EXPECT_TRUE(reader->Refresh());
+  EXPECT_EQ(ContentOf(*reader), ContentOf(path));
+  EXPECT_NE(ContentOf(path), before);
+  writer.reset();
+  writer = Open(path, FED_DatabaseDefs::CREATE);
+  writer->CreateDataBlock(LabelKey("new"), 0, 0, "I|d").SetScalar(0, 3);
+  writer->Save();
+  EXPECT_TRUE(reader->Refresh());
+  EXPECT_EQ(ContentOf(*reader), ContentOf(path));
 }
 
 constexpr std::size_t kRecords = 200000;
