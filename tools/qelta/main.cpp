@@ -1,5 +1,4 @@
 #include <FED_Exception.h>
-#include <FrdSource.h>
 #include <QeltaNames.h>
 
 #include <CLI/CLI.hpp>
@@ -10,11 +9,18 @@
 
 #include "Commands.h"
 #include "Console.h"
+#include "Databases.h"
 #include "ExitCode.h"
+#include "HelpTexts.h"
 
 namespace {
 
 using namespace qelta;
+
+constexpr void (*kCommands[])(CLI::App&, Action&) = {
+    AddInfoCommand,    AddLsCommand,      AddFindCommand,   AddShowCommand,       AddStatsCommand,
+    AddDiffCommand,    AddImportCommand,  AddCopyCommand,   AddRmCommand,         AddVerifyCommand,
+    AddSalvageCommand, AddCompactCommand, AddBackupCommand, AddCompletionCommand, AddHelpCommand};
 
 // What is wrong with the command, if that is what is wrong.
 std::string CommandComplaint(const CLI::App& app) {
@@ -37,13 +43,13 @@ int Usage(const CLI::App& app, const CLI::ParseError& error) {
 int Run(int argc, char** argv) {
   Action action;
   CLI::App app("Looks into the results of solvers and optimisers.", "qelta");
+  app.require_subcommand(0, 1);
   app.set_version_flag("--version", "qelta " QELTA_VERSION "\n", "Print the version and exit");
   app.footer(
-      "Exit codes: 0 done, 1 nothing found, 2 usage, 3 damaged or unreadable input,\n"
-      "4 input or output failure.");
-  AddInfoCommand(app, action);
-  AddFindCommand(app, action);
-  AddShowCommand(app, action);
+      std::string("'qelta COMMAND --help' explains a command, 'qelta help pattern' how to select\n"
+                  "blocks.\n\n") +
+      kExitHelp);
+  for (const auto add : kCommands) add(app, action);
   try {
     app.parse(argc, argv);
     if (!action) throw CLI::RequiredError("A subcommand");
@@ -70,12 +76,14 @@ int RunGuarded(int argc, char** argv) {
   } catch (const Console::OutputFailure&) {
     Console::Complain("cannot write the output (is the device full?)");
     return EXIT_IO_FAILURE;
+  } catch (const Console::Interrupted&) {
+    return EXIT_INTERRUPTED;
   } catch (const CLI::Error& error) {
     Console::Complain(error.what());
     return EXIT_USAGE;
   } catch (const FED_Exception& failure) {
     Console::Complain(failure.what());
-    return failure.GetMessageId() == FrdSource::kReadErrorId ? EXIT_IO_FAILURE : EXIT_BAD_INPUT;
+    return IsDeviceFailure(failure) ? EXIT_IO_FAILURE : EXIT_BAD_INPUT;
   } catch (const std::bad_alloc&) {
     Console::Complain("out of memory");
     return EXIT_IO_FAILURE;
