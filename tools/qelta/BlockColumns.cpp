@@ -73,7 +73,9 @@ std::vector<BlockColumn> BlockColumn::DefaultsFor(const std::vector<QeltaBlockIn
     const bool isUsed = std::any_of(blocks.begin(), blocks.end(), [&](const auto& block) {
       return block.key.Has(field.m_Field);
     });
-    if (isUsed && field.m_Field != Key::ONF) columns.push_back(field);
+    if (!isUsed || field.m_Field == Key::ONF) continue;
+    columns.push_back(field);
+    columns.back().m_IsDispensable = isLong && field.m_Field == Key::ANALYSIS;
   }
   add("records");
   if (isLong) add("bytes");
@@ -88,7 +90,7 @@ OutputColumn BlockColumn::GetTitle() const {
   }
   const Key::NameAndType& field = Key::RD_NAME_TYPE_ITEMS[m_Field];
   const bool isText = field.type == Key::STRING_FIELD;
-  return {field.name, isText ? Table::Align::Left : Table::Align::Right, false};
+  return {field.name, isText ? Table::Align::Left : Table::Align::Right, m_IsDispensable};
 }
 
 OutputCell BlockColumn::CellOf(const QeltaBlockInfo& block) const {

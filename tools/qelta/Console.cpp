@@ -95,11 +95,16 @@ std::size_t Console::GetWidth() { return IsOutputTerminal() ? WidthOf(stdout) : 
 
 bool Console::IsOutputTerminal() { return IsTerminal(stdout); }
 
-void Console::PrintBold(const std::string& line) {
+void Console::PrintBold(const std::string& text) {
   const bool isWanted = IsOutputTerminal() && !IsSet("NO_COLOR") && !IsDumb();
+  // Blank lines before and the end of the last one stay plain.
+  const std::size_t begin = isWanted ? std::min(text.find_first_not_of('\n'), text.size()) : 0;
+  const std::size_t end = isWanted ? text.find_last_not_of('\n') + 1 : text.size();
+  Print(text.substr(0, begin));
   if (isWanted) Write("\033[1m");
-  Print(line);
+  Print(text.substr(begin, end - begin));
   if (isWanted) Write("\033[0m");
+  Print(text.substr(end));
 }
 
 bool Console::CanAsk() { return IsTerminal(stdin) && IsTerminal(stderr); }

@@ -26,8 +26,8 @@ class Console {
   static std::size_t GetWidth();
   static bool IsOutputTerminal();
 
-  /// The same in bold letters, where the results are on a terminal that the user wants in colour.
-  static void PrintBold(const std::string& line);
+  /// Lines in bold letters, where the results are on a terminal that the user wants in colour.
+  static void PrintBold(const std::string& text);
 
   /// Asks on the terminal; false when there is none, or for any answer but yes.
   static bool AskYes(const std::string& question);
