@@ -20,6 +20,7 @@ namespace {
 constexpr std::size_t kDefaultWidth = 80;
 constexpr const char* kClearLine = "\r\033[K";
 
+bool g_IsProgressShown = false;
 volatile std::sig_atomic_t g_Guards = 0;
 volatile std::sig_atomic_t g_Interrupts = 0;
 
@@ -29,7 +30,9 @@ void Check(bool isDone) {
   throw Console::OutputFailure();
 }
 
+// Results do not go into a line of progress.
 void Write(const std::string& text) {
+  if (g_IsProgressShown) Console::ClearProgress();
   Check(std::fwrite(text.data(), 1, text.size(), stdout) == text.size());
 }
 
@@ -87,6 +90,7 @@ void Console::Print(std::string text) {
 void Console::Flush() { Check(std::fflush(stdout) == 0); }
 
 void Console::Complain(std::string text) {
+  if (g_IsProgressShown) ClearProgress();
   std::replace_if(text.begin(), text.end(), IsControl, ' ');
   std::fprintf(stderr, "qelta: %s\n", text.c_str());
 }
@@ -124,9 +128,12 @@ std::size_t Console::GetProgressWidth() { return WidthOf(stderr); }
 void Console::ShowProgress(const std::string& line) {
   std::fprintf(stderr, "%s%s", kClearLine, line.c_str());
   std::fflush(stderr);
+  g_IsProgressShown = !line.empty();
 }
 
-void Console::ClearProgress() { ShowProgress(""); }
+void Console::ClearProgress() {
+  if (g_IsProgressShown) ShowProgress("");
+}
 
 Console::InterruptGuard::InterruptGuard() { g_Guards = g_Guards + 1; }
 

@@ -58,6 +58,7 @@ bool FollowedImport::WaitForMore() {
     return true;
   }
   if (m_HasUnsaved && !m_IsTableOpen) Save();
+  m_HasWaited = true;
   if (IsOver(m_Grown, m_Timeout)) return false;
   Pause();
   return true;
@@ -67,13 +68,13 @@ void FollowedImport::OnTable(bool isOpen) {
   m_IsTableOpen = isOpen;
   if (isOpen) return;
   m_HasUnsaved = true;
-  if (Clock::now() - m_Saved > kBetweenSaves) Save();
+  if (m_HasWaited || Clock::now() - m_Saved > kBetweenSaves) Save();
 }
 
 void FollowedImport::Save() {
   SaveDatabase(m_Target);
   m_Saved = Clock::now();
-  m_HasUnsaved = false;
+  m_HasUnsaved = m_HasWaited = false;
 }
 
 }  // namespace qelta

@@ -14,7 +14,7 @@ namespace qelta {
 void WaitForFile(const std::string& file, std::optional<double> timeout);
 
 /// An import that keeps up with a file while it is written: at its end it waits for more, and what
-/// is whole is saved before it waits, and every few seconds.
+/// is whole is saved before it waits or as soon as it can be after, and every few seconds.
 class FollowedImport {
  public:
   /// The database must outlive this object.
@@ -38,6 +38,7 @@ class FollowedImport {
   Clock::time_point m_Saved = Clock::now();
   bool m_IsTableOpen = false;
   bool m_HasUnsaved = false;
+  bool m_HasWaited = false;  // since the last save
 };
 
 }  // namespace qelta
