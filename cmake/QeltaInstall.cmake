@@ -8,6 +8,14 @@ install(EXPORT QeltaDbConnectorTargets NAMESPACE Qelta:: DESTINATION ${package_f
 get_property(headers GLOBAL PROPERTY QELTA_PUBLIC_HEADERS)
 install(FILES ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/QeltaDbConnector)
 
+# Whoever links static libraries links what they use as well.
+if(NOT QELTA_SHARED)
+  set(QELTA_FIND_DEPENDENCIES
+      "include(CMakeFindDependencyMacro)\nfind_dependency(SQLite3)")
+  set(QELTA_STATIC_DEFINE -DQELTA_STATIC)
+  set(QELTA_STATIC_LIBS " -lsqlite3 -lxxhash")
+endif()
+
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/QeltaDbConnectorConfig.cmake.in
   ${PROJECT_BINARY_DIR}/QeltaDbConnectorConfig.cmake INSTALL_DESTINATION ${package_folder})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/QeltaDbConnectorConfigVersion.cmake
@@ -21,9 +29,6 @@ file(RELATIVE_PATH QELTA_PREFIX_FROM_PC
   /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 if(QELTA_BUILD_FORTRAN)
   set(QELTA_FMODDIR "fmoddir=\${pcfiledir}/../${QELTA_FORTRAN_MODULES}")
-endif()
-if(NOT QELTA_SHARED)
-  set(QELTA_STATIC_DEFINE -DQELTA_STATIC)
 endif()
 configure_file(${CMAKE_CURRENT_LIST_DIR}/qelta-db-connector.pc.in
   ${PROJECT_BINARY_DIR}/qelta-db-connector.pc @ONLY)

@@ -15,9 +15,9 @@ extern "C" {
 typedef struct FED_Database FED_Database;
 #endif
 
-/* Opens a database of a kind of storage ("memory") and gives its handle. `mode` is 0 read only,
- * 1 read and write, 2 create anew; `cacheSize` is in bytes, 0 for the default, and a negative one
- * counts as 0. */
+/* Opens a database of a kind of storage ("memory", or "file", whose name is the path of a
+ * directory) and gives its handle. `mode` is 0 read only, 1 read and write, 2 create anew;
+ * `cacheSize` is in bytes, 0 for the default, and a negative one counts as 0. */
 QELTA_FORTRAN_EXPORT void Database_Open_F(const char* kind, const char* name, const int32_t* mode,
                                           const int64_t* cacheSize, FED_Database** database,
                                           int32_t* status) QELTA_ENTRY_NOEXCEPT;

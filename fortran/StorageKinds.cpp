@@ -1,6 +1,7 @@
 #include "StorageKinds.h"
 
 #include "FED_Failure.h"
+#include "FED_FileDatabase.h"
 #include "FED_MemoryDatabase.h"
 
 namespace qelta {
@@ -29,6 +30,7 @@ struct StorageKind {
 
 constexpr StorageKind kKinds[] = {
     {"memory", Make<FED_MemoryDatabase>, Save<FED_MemoryDatabase>},
+    {"file", Make<FED_FileDatabase>, Save<FED_FileDatabase>},
 };
 
 }  // namespace
@@ -37,9 +39,9 @@ std::unique_ptr<FED_Database> MakeDatabase(const std::string& name) {
   std::string known;
   for (const StorageKind& kind : kKinds) {
     if (name == kind.name) return kind.make();
-    known += std::string(" ") + kind.name;
+    known += (known.empty() ? "" : ", ") + std::string(kind.name);
   }
-  FED_Failure::Throw("400000000001", kLocation, "There is no kind of storage '%s'; there is%s.",
+  FED_Failure::Throw("400000000001", kLocation, "There is no kind of storage '%s'; there is %s.",
                      name.c_str(), known.c_str());
 }
 

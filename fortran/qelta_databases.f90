@@ -53,8 +53,9 @@ module qelta_databases
 
 contains
 
-  !> Opens a database of a kind of storage ('memory') in place of what the variable held. `mode` is
-  !> qelta_read_only, qelta_read_write (the default) or qelta_create; `cache_size` is in bytes.
+  !> Opens a database of a kind of storage ('memory', or 'file', whose name is the path of a
+  !> directory) in place of what the variable held. `mode` is qelta_read_only, qelta_read_write (the
+  !> default) or qelta_create; `cache_size` is in bytes.
   subroutine database_open(self, kind, name, mode, cache_size, status, message)
     class(qelta_database), intent(inout) :: self
     character(*), intent(in) :: kind, name

@@ -30,11 +30,4 @@ void ClosedAliases::Update(const FED_DataBlockSet& blocks) {
   }
 }
 
-void StoreAliases(FED_DataBlockSet& blocks, const FED_DataDescriptor& primary,
-                  const std::vector<FED_DataDescriptor>& names) {
-  for (FED_DataDescriptor name : names) {
-    if (!name.EqualTo(primary)) blocks.StoreDataBlockAlias(primary, name);
-  }
-}
-
 }  // namespace qelta

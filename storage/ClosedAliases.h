@@ -26,8 +26,4 @@ class ClosedAliases {
   std::map<int, std::vector<FED_DataDescriptor>> m_Groups;
 };
 
-/// Makes each of `names` lead to the block of `primary`, which is open in `blocks`.
-void StoreAliases(FED_DataBlockSet& blocks, const FED_DataDescriptor& primary,
-                  const std::vector<FED_DataDescriptor>& names);
-
 }  // namespace qelta

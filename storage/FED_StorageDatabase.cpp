@@ -79,13 +79,13 @@ bool FED_StorageDatabase::HasBlock(const FED_DataDescriptor& descriptor) const {
 
 bool FED_StorageDatabase::Reopen(const FED_DataDescriptor& descriptor) {
   if (!IsInitialized() || GetClosings() == 0) return false;
+  if (!MayHoldUnregistered() && m_BlockSet.FindPosition(descriptor) < 0) return false;
   std::vector<FED_DataDescriptor> names = m_Aliases->GroupOf(m_BlockSet, descriptor, GetClosings());
   if (names.empty()) names.push_back(descriptor.Duplicate());
   for (const FED_DataDescriptor& name : names) {
     FED_DataBlock* const block = MakeStoredBlock(name);
     if (block == nullptr) continue;
-    m_BlockSet.StoreDataBlockInstance(name, block);
-    qelta::StoreAliases(m_BlockSet, name, names);
+    m_BlockSet.ReopenDataBlockInstance(name, block);
     return true;
   }
   return false;

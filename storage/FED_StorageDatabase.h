@@ -55,6 +55,9 @@ class QELTA_STORAGE_EXPORT FED_StorageDatabase : public FED_Database {
   /// A number that has changed whenever blocks may have been closed; 0 while none was.
   virtual std::uint64_t GetClosings() const = 0;
 
+  /// Whether a block may be stored whose descriptor is not in the block set.
+  virtual bool MayHoldUnregistered() const { return true; }
+
  private:
   bool Reopen(const FED_DataDescriptor& descriptor);
 

@@ -36,6 +36,7 @@ FED_DataBlockSet::~FED_DataBlockSet() { Clear(); }
 
 // The destructor of a block is open to this class alone, so the deleter is made here.
 FED_DataBlockSet::BlockPointer FED_DataBlockSet::Own(FED_DataBlock* block) {
+  if (block == nullptr) return nullptr;
   return BlockPointer(block, [](FED_DataBlock* owned) { delete owned; });
 }
 
@@ -47,9 +48,29 @@ void FED_DataBlockSet::StoreDataBlockInstance(const FED_DataDescriptor& descript
   m_DataBlocks.push_back(std::move(owned));
 }
 
+void FED_DataBlockSet::ReopenDataBlockInstance(const FED_DataDescriptor& descriptor,
+                                               FED_DataBlock* block) {
+  const int position = m_BlockPositions.Find(descriptor);
+  if (position < 0) {
+    StoreDataBlockInstance(descriptor, block);
+    return;
+  }
+  m_DataBlocks[static_cast<std::size_t>(position)] = Own(block);
+  descriptor.SetBlockID(position);
+  ++m_StoreCount;  // descriptors that were found absent meanwhile look again
+}
+
+void FED_DataBlockSet::ForgetDescriptor(const FED_DataDescriptor& descriptor) {
+  const int position = m_BlockPositions.Find(descriptor);
+  if (position < 0 || IsValidDatablockPos(position)) return;
+  const FED_DataDescriptor key(descriptor);
+  m_BlockPositions.Erase(key);
+}
+
 void FED_DataBlockSet::StoreDataBlockAlias(const FED_DataDescriptor& existing,
                                            FED_DataDescriptor& alias) {
-  Register(alias, existing.GetBlockID());
+  const int position = existing.GetBlockID();
+  Register(alias, position >= 0 ? position : m_BlockPositions.Find(existing));
 }
 
 void FED_DataBlockSet::Register(const FED_DataDescriptor& descriptor, int position) {

@@ -35,11 +35,19 @@ class QELTA_EXPORT FED_DataBlockSet {
 
   /// Registers `block` under `descriptor` and takes ownership, also when registering fails for want
   /// of memory (the block is then destroyed). A descriptor that is registered already leads to the
-  /// new block from then on; the former one stays owned until the set is saved or cleared.
+  /// new block from then on; the former one stays owned until the set is saved or cleared. Without
+  /// a block (null) the descriptor is registered as one whose block is closed.
   void StoreDataBlockInstance(const FED_DataDescriptor& descriptor, FED_DataBlock* block);
 
-  /// Makes `alias` lead to the block of `existing`, which must have been resolved in this set.
+  /// Makes `alias` lead to the block of `existing`, which must be registered in this set.
   void StoreDataBlockAlias(const FED_DataDescriptor& existing, FED_DataDescriptor& alias);
+
+  /// Gives the closed block of `descriptor` back its place, so that all its names lead to `block`;
+  /// registers a descriptor that is not. Takes ownership as above. The block must be closed.
+  void ReopenDataBlockInstance(const FED_DataDescriptor& descriptor, FED_DataBlock* block);
+
+  /// Forgets a descriptor whose block is closed; does nothing to others. Its position stays.
+  void ForgetDescriptor(const FED_DataDescriptor& descriptor);
 
   /// The block of `descriptor`; valid until it is deleted. Fails when there is none.
   FED_DataBlock& GetDataBlockInstance(const FED_DataDescriptor& descriptor) const;
@@ -71,6 +79,9 @@ class QELTA_EXPORT FED_DataBlockSet {
   /// The position that `descriptor` is registered with, whether its block is there or not; -1 when
   /// it is not registered. Always searches.
   int FindPosition(const FED_DataDescriptor& descriptor) const;
+
+  /// Has grown whenever a descriptor was registered or a block reopened; 0 after Clear.
+  std::uint64_t GetStoreCount() const { return m_StoreCount; }
 
   /// Destroys all blocks without flushing them and forgets all descriptors.
   void Clear();

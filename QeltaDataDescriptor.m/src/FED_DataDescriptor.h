@@ -9,6 +9,10 @@
 #include "QeltaExport.h"
 #include "QeltaStringsPool.h"
 
+namespace qelta {
+class KeyDigest;
+}
+
 /// The key of a data block: fourteen metadata fields, each of which is specified or not.
 ///
 /// A descriptor is a plain value of 80 bytes with a fixed layout that Fortran programs share: they
@@ -123,6 +127,7 @@ class QELTA_EXPORT FED_DataDescriptor {
  private:
   friend class FED_DataBlockSet;
   friend class FED_DataDescriptorPattern;
+  friend class qelta::KeyDigest;
 
   static constexpr std::int32_t kUnknownPosition = -1;
   static constexpr std::int32_t kAbsent = -2;

@@ -66,6 +66,8 @@ void FED_MemoryIdMap::Add(const std::int32_t* ids, const std::string* names, std
 
 std::size_t FED_MemoryIdMap::GetCount() const { return m_Pairs->GetCount(); }
 
+std::size_t FED_MemoryIdMap::GetNameCount() const { return m_Names->GetCount(); }
+
 bool FED_MemoryIdMap::ContainsName(const std::string& name) const {
   return m_Names->FindIndex(name).has_value();
 }

@@ -56,6 +56,10 @@ class QELTA_EXPORT FED_MemoryIdMap : public FED_IdMap {
   /// Number of entities.
   std::size_t GetCount() const;
 
+  /// Number of names. Entities and names are only ever added, so a map whose two numbers are the
+  /// same has not changed.
+  std::size_t GetNameCount() const;
+
   bool ContainsName(const std::string& name) const override;
   bool ContainsId(std::int32_t id) const override;
 

@@ -49,6 +49,21 @@ void AppendWide(std::wstring& wide, char32_t character) {
   }
 }
 
+bool IsHighSurrogate(char32_t character) { return 0xd800 <= character && character < 0xdc00; }
+
+bool IsLowSurrogate(char32_t character) { return 0xdc00 <= character && character < 0xe000; }
+
+// False for what is no character.
+bool AppendUtf8(std::string& utf8, char32_t character) {
+  if (character > 0x10ffff || IsHighSurrogate(character) || IsLowSurrogate(character)) return false;
+  int rest = 0;  // bytes behind the first one
+  if (character >= 0x80) rest = character < 0x800 ? 1 : character < 0x10000 ? 2 : 3;
+  constexpr unsigned char kMarks[] = {0, 0xc0, 0xe0, 0xf0};
+  utf8.push_back(static_cast<char>(kMarks[rest] | character >> 6 * rest));
+  while (rest-- > 0) utf8.push_back(static_cast<char>(0x80 | (character >> 6 * rest & 0x3f)));
+  return true;
+}
+
 }  // namespace
 
 bool QeltaStringUtil::copy_to_fstr_trunc(const char* text, std::size_t length, char* buffer,
@@ -80,6 +95,26 @@ bool QeltaStringUtil::ToWide(const std::string& utf8, std::wstring& wide) {
     AppendWide(result, character);
   }
   wide = std::move(result);
+  return true;
+}
+
+bool QeltaStringUtil::ToUtf8(const std::wstring& wide, std::string& utf8) {
+  std::string result;
+  for (std::size_t i = 0; i < wide.size(); ++i) {
+    auto character = static_cast<char32_t>(wide[i]);
+    if constexpr (sizeof(wchar_t) == 2) {
+      character &= 0xffff;
+      if (IsHighSurrogate(character) && i + 1 < wide.size()) {
+        const auto low = static_cast<char32_t>(wide[i + 1]) & 0xffff;
+        if (IsLowSurrogate(low)) {
+          character = 0x10000 + ((character - 0xd800) << 10) + (low - 0xdc00);
+          ++i;
+        }
+      }
+    }
+    if (!AppendUtf8(result, character)) return false;
+  }
+  utf8 = std::move(result);
   return true;
 }
 

@@ -26,6 +26,10 @@ class QELTA_EXPORT QeltaStringUtil {
   /// characters, surrogates and characters in more bytes than they need are not.
   static bool ToWide(const std::string& utf8, std::wstring& wide);
 
+  /// The UTF-8 text of wide characters, in 16 or in 32 bits each. False, and `utf8` untouched, when
+  /// they hold half a surrogate pair or a number beyond the last character.
+  static bool ToUtf8(const std::wstring& wide, std::string& utf8);
+
   /// `text` without the blanks at both ends.
   static std::string Trim(const std::string& text);
 };

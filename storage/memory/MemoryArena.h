@@ -5,20 +5,20 @@
 #include <memory>
 #include <vector>
 
+#include "ContentKind.h"
+
 namespace qelta {
 
 /// The strings and lists of one block, under handles counted from 1. Nothing is ever released or
 /// moved while the arena lives.
 class MemoryArena {
  public:
-  enum class Kind : std::uint8_t { INT_LIST, DOUBLE_LIST, STRING };
+  using Kind = ContentKind;
 
   struct Content {
     const void* data;
     std::size_t bytes;
   };
-
-  static constexpr std::uint64_t kMaxHandle = 0x7fffffff;
 
   explicit MemoryArena(std::uint64_t maxHandle = kMaxHandle) : m_MaxHandle(maxHandle) {}
 

@@ -17,6 +17,8 @@ class MemoryTable {
 
   explicit MemoryTable(std::size_t recordSize) : m_RecordSize(recordSize) {}
 
+  std::size_t GetRecordSize() const { return m_RecordSize; }
+
   bool Has(std::size_t index) const {
     const Page* page = PageOf(index);
     return page != nullptr && page->Has(index % kPageRecords);

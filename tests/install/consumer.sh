@@ -10,6 +10,7 @@ rm -rf "$work/stage" "$work/consumer"
   -DCMAKE_PREFIX_PATH="$work/stage" -DCMAKE_CXX_COMPILER="$compiler" >/dev/null
 "$cmake" --build "$work/consumer" >/dev/null
 "$work/consumer/consumer"
+(cd "$work/consumer" && ./file_consumer)
 [ -n "$results" ] || exit 0
 "$work/consumer/import_consumer" "$results"
 "$work/stage/bin/qelta" info "$results" >/dev/null

@@ -1,17 +1,39 @@
 #include "Databases.h"
 
 #include <FED_Failure.h>
+#include <FED_FileDatabase.h>
 #include <FrdSource.h>
+#include <QeltaStringUtil.h>
 
 #include <filesystem>
 
 namespace qelta {
 namespace {
 
-[[noreturn]] void ThrowMissing(const std::string& name) {
-  FED_Failure::Throw("", "|%P|qelta|Databases",
-                     "%s: this version keeps no databases on disk; name a result file (.frd).",
-                     name.c_str());
+std::wstring ToWide(const std::string& name) {
+  std::wstring wide;
+  if (!QeltaStringUtil::ToWide(name, wide)) {
+    FED_Failure::Throw("", "|%P|qelta|Databases", "The name '%s' is not in UTF-8.", name.c_str());
+  }
+  return wide;
+}
+
+std::unique_ptr<FED_FileDatabase> Open(const std::string& name, FED_DatabaseDefs::AccessMode mode,
+                                       std::uint64_t cacheBytes) {
+  auto database = std::make_unique<FED_FileDatabase>();
+  database->InitDb(FED_IdMapsPool(), mode, cacheBytes, ToWide(name));
+  return database;
+}
+
+void RequireDatabase(const std::string& name) {
+  if (!IsDatabase(name)) {
+    FED_Failure::Throw("", "|%P|qelta|Databases", "%s is no database. Check the path.",
+                       name.c_str());
+  }
+}
+
+DatabaseReport ToReport(FED_FileDatabase::Report report) {
+  return {report.blocks, report.bytes, std::move(report.problems)};
 }
 
 }  // namespace
@@ -22,33 +44,35 @@ bool IsDatabase(const std::string& name) {
 }
 
 std::unique_ptr<FED_Database> OpenDatabase(const std::string& name,
-                                           FED_DatabaseDefs::AccessMode /*mode*/,
-                                           std::uint64_t /*cacheBytes*/) {
-  ThrowMissing(name);
+                                           FED_DatabaseDefs::AccessMode mode,
+                                           std::uint64_t cacheBytes) {
+  return Open(name, mode, cacheBytes);
 }
 
-void SaveDatabase(FED_Database& /*database*/) {}
+void SaveDatabase(FED_Database& database) { dynamic_cast<FED_FileDatabase&>(database).Save(); }
 
-DatabaseReport VerifyDatabase(const std::string& name, const DatabaseProgress& /*progress*/) {
-  ThrowMissing(name);
+DatabaseReport VerifyDatabase(const std::string& name, const DatabaseProgress& progress) {
+  return ToReport(Open(name, FED_DatabaseDefs::READ_ONLY, 0)->Verify(progress));
 }
 
-DatabaseReport SalvageDatabase(const std::string& name, const std::string& /*target*/,
-                               const DatabaseProgress& /*progress*/) {
-  ThrowMissing(name);
+DatabaseReport SalvageDatabase(const std::string& name, const std::string& target,
+                               const DatabaseProgress& progress) {
+  return ToReport(FED_FileDatabase::Salvage(ToWide(name), ToWide(target), progress));
 }
 
-void CompactDatabase(const std::string& name, const DatabaseProgress& /*progress*/) {
-  ThrowMissing(name);
+void CompactDatabase(const std::string& name, const DatabaseProgress& progress) {
+  RequireDatabase(name);
+  Open(name, FED_DatabaseDefs::READ_WRITE, 0)->Compact(progress);
 }
 
-void BackupDatabase(const std::string& name, const std::string& /*target*/,
-                    const DatabaseProgress& /*progress*/) {
-  ThrowMissing(name);
+void BackupDatabase(const std::string& name, const std::string& target,
+                    const DatabaseProgress& progress) {
+  Open(name, FED_DatabaseDefs::READ_ONLY, 0)->Backup(ToWide(target), progress);
 }
 
 bool IsDeviceFailure(const FED_Exception& failure) {
-  return failure.GetMessageId() == FrdSource::kReadErrorId;
+  return FED_FileDatabase::IsSystemFailure(failure) ||
+         failure.GetMessageId() == FrdSource::kReadErrorId;
 }
 
 }  // namespace qelta

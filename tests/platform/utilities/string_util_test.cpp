@@ -116,6 +116,15 @@ TEST(StringUtilTest, WidensUtf8InAnyLocale) {
     std::wstring wide = L"former";
     EXPECT_TRUE(QeltaStringUtil::ToWide(text, wide)) << text;
     EXPECT_EQ(wide, expected) << text;
+    std::string back = "former";
+    EXPECT_TRUE(QeltaStringUtil::ToUtf8(wide, back));
+    EXPECT_EQ(back, text);
+  }
+  for (const std::wstring& wide :
+       {std::wstring(1, wchar_t(0xD800)), L"a" + std::wstring(1, wchar_t(0xDC00))}) {
+    std::string back = "former";
+    EXPECT_FALSE(QeltaStringUtil::ToUtf8(wide, back));
+    EXPECT_EQ(back, "former");
   }
   const char* const bad[] = {
       "\x80",         "a\xFF",        "\xC0\x80",         "\xC1\xBF",         "\xC3",

@@ -7,12 +7,14 @@
 namespace qelta::test {
 namespace {
 
+constexpr const char* kWithText = "I|SdI";
+
 class RandomHistory : public StorageContract {
  protected:
   struct Content {
     FED_DataDescriptor primary;
     std::map<std::size_t, double> values;
-    std::map<std::uint64_t, std::string> texts;
+    std::map<std::size_t, std::string> texts;  // by the record that refers to them
   };
   struct Name {
     FED_DataDescriptor key;  // with what it remembers
@@ -33,7 +35,7 @@ class RandomHistory : public StorageContract {
   void Create(Name& name) {
     const auto create = [&]() -> FED_DataBlock& {
       const bool catalogued = name.key.Has(FED_DataDescriptor::ONF);
-      return catalogued ? Db().CreateDataBlock(name.key, 5) : Make(name.key, "I|SdI");
+      return catalogued ? Db().CreateDataBlock(name.key, 5) : Make(name.key, kWithText);
     };
     if (name.content != nullptr) {
       EXPECT_THROW(create(), FED_Failure);
@@ -53,8 +55,11 @@ class RandomHistory : public StorageContract {
     FED_DataBlock& block = Db().GetDataBlock(name.key);
     const std::size_t index = Below(4) == 0 ? Below(5000) : Below(20);
     block.SetScalar(index, name.content->values[index] = static_cast<double>(m_Random()));
+    if (block.GetFormat() != kWithText) return;
     const std::string text(Below(100), static_cast<char>(m_Random() % 256));
-    name.content->texts[block.SetString(text)] = text;
+    const auto handle = static_cast<int>(block.SetString(text));
+    RunsOf(block).WriteColumn(1, index, 1, &handle);
+    name.content->texts[index] = text;
   }
 
   void Delete(Name& name) {
@@ -99,14 +104,16 @@ class RandomHistory : public StorageContract {
   void Check(const FED_DataDescriptor& key, const Content* content) {
     ASSERT_EQ(Db().HasBlock(key), content != nullptr) << key.ToString();
     if (content == nullptr) return;
-    const FED_DataBlock& block = Db().GetDataBlock(key);
+    FED_DataBlock& block = Db().GetDataBlock(key);
     EXPECT_TRUE(block.GetDescriptor().EqualTo(content->primary)) << key.ToString();
     std::map<std::size_t, double> values;
     for (const std::size_t index : block) values[index] = block.GetScalar(index);
     EXPECT_EQ(values, content->values) << key.ToString();
-    for (const auto& [handle, text] : content->texts) {
+    for (const auto& [index, text] : content->texts) {
+      int handle = 0;
+      RunsOf(block).ReadColumn(1, index, 1, &handle);
       std::string stored;
-      block.GetString(handle, stored);
+      block.GetString(static_cast<std::uint64_t>(handle), stored);
       EXPECT_EQ(stored, text) << key.ToString();
     }
   }
