@@ -27,7 +27,7 @@ class PartialDirectory {
   ~PartialDirectory() {
     if (m_IsDone) return;
     try {
-      if (m_Lock != nullptr) RemoveAll();
+      if (m_IsOurs) RemoveAll();
       if (m_IsMade) m_Files.RemoveDirectory(m_Path);
     } catch (const std::exception&) {  // the next one starts with removing it
     }
@@ -40,7 +40,7 @@ class PartialDirectory {
     }
     DatabaseDirectory(m_Files, m_Path).RequireNothingForeign();
     m_Lock = std::make_unique<DatabaseLock>(m_Files, m_Path, true);
-    m_IsMade = true;
+    m_IsMade = m_IsOurs = true;
     RemoveFiles();
   }
 
@@ -72,6 +72,7 @@ class PartialDirectory {
   std::string m_Path;
   std::unique_ptr<DatabaseLock> m_Lock;
   bool m_IsMade = false;
+  bool m_IsOurs = false;  // locked, at least for some time
   bool m_IsDone = false;
 };
 

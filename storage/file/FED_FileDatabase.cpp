@@ -4,6 +4,7 @@
 #include "FED_FileDataBlock.h"
 #include "FED_LogMacros.h"
 #include "FileSession.h"
+#include "IoFailure.h"
 #include "Maintenance.h"
 #include "QeltaStringUtil.h"
 
@@ -186,4 +187,12 @@ bool FED_FileDatabase::Backup(const std::wstring& target, const Progress& progre
   RequireOpen();
   m_Session->GetStore().RequireUsable();
   return qelta::Backup(m_Files, m_Session->GetStore().GetDirectory(), PathOf(target), progress);
+}
+
+bool FED_FileDatabase::IsSystemFailure(const FED_Exception& failure) {
+  const auto* const refusal = dynamic_cast<const qelta::IoFailure*>(&failure);
+  if (refusal == nullptr) return false;
+  const qelta::IoProblem problem = refusal->GetProblem();
+  return problem == qelta::IoProblem::NO_SPACE || problem == qelta::IoProblem::LOCKED ||
+         problem == qelta::IoProblem::OTHER;
 }

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "FED_Exception.h"
 #include "FED_StorageDatabase.h"
 #include "QeltaStorageExport.h"
 
@@ -101,6 +102,10 @@ class QELTA_FILE_STORAGE_EXPORT FED_FileDatabase : public FED_StorageDatabase {
   /// Copies the newest save, with nothing that is unsaved, to a new database. The writer, here or
   /// elsewhere, may go on meanwhile. False, and nothing left behind, when `progress` ended it.
   bool Backup(const std::wstring& target, const Progress& progress = {});
+
+  /// Whether a failure came from the system: no room, in use elsewhere, a device that fails. Others
+  /// come from the caller's request or from damage.
+  static bool IsSystemFailure(const FED_Exception& failure);
 
  protected:
   FED_DataBlock* MakeStoredBlock(const FED_DataDescriptor& primary) override;

@@ -3,6 +3,7 @@
 #include <new>
 
 #include "Damage.h"
+#include "IoFailure.h"
 
 namespace qelta {
 namespace {
@@ -133,16 +134,16 @@ void SqliteConnection::Fail(int code) const {
                        m_Path.c_str(), reason.c_str());
   }
   if ((code & 0xff) == SQLITE_BUSY || (code & 0xff) == SQLITE_LOCKED) {
-    FED_Failure::Throw("220200000012", kLocation,
-                       "The catalogue '%s' stayed locked (%s). Try again when no other program has "
-                       "it open.",
-                       m_Path.c_str(), reason.c_str());
+    throw IoFailure(IoProblem::LOCKED, "220200000012",
+                    "The catalogue '" + m_Path + "' stayed locked (" + reason +
+                        "). Try again when no other program has it open.");
   }
   const std::string& system = m_Files.GetLastFailure();
-  FED_Failure::Throw("220200000013", kLocation, "The catalogue '%s' cannot be used: %s. %s",
-                     m_Path.c_str(), reason.c_str(),
-                     system.empty() ? "Look at the place where it lies: free space, rights, device."
-                                    : system.c_str());
+  throw IoFailure(
+      IoProblem::OTHER, "220200000013",
+      "The catalogue '" + m_Path + "' cannot be used: " + reason + ". " +
+          (system.empty() ? "Look at the place where it lies: free space, rights, device."
+                          : system));
 }
 
 void SqliteConnection::FailDamaged(const std::string& what) const {
