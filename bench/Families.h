@@ -12,5 +12,7 @@ void AddIdMaps(Suite& suite);
 void AddEntryPoints(Suite& suite);
 void AddCopies(Suite& suite);
 void AddFrd(Suite& suite);
+void AddStorageWrites(Suite& suite);
+void AddStorageReads(Suite& suite);
 
 }  // namespace qelta::bench

@@ -6,7 +6,6 @@
 #include <random>
 #include <stdexcept>
 #include <string>
-#include <system_error>
 
 namespace qelta::bench {
 namespace {
@@ -65,20 +64,11 @@ const FrdSample& FrdSample::Instance() {
   return sample;
 }
 
-FrdSample::FrdSample()
-    : m_Folder(std::filesystem::temp_directory_path() /
-               ("qelta_bench_" + std::to_string(std::random_device()()))),
-      m_Path(m_Folder / "sample.frd") {
-  std::filesystem::create_directory(m_Folder);
+FrdSample::FrdSample() : m_Path(m_Folder.GetPath() / "sample.frd") {
   std::ofstream out(m_Path, std::ios::binary);
   Write(out);
   if (!out.flush()) throw std::runtime_error("cannot write " + m_Path.u8string());
   m_Bytes = static_cast<std::size_t>(std::filesystem::file_size(m_Path));
-}
-
-FrdSample::~FrdSample() {
-  std::error_code ignored;
-  std::filesystem::remove_all(m_Folder, ignored);
 }
 
 }  // namespace qelta::bench

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <filesystem>
 
+#include "TemporaryFolder.h"
+
 namespace qelta::bench {
 
 /// A large text result file in the folder for temporary files: one mesh and many frames, each with
@@ -12,17 +14,13 @@ class FrdSample {
   /// Written when it is asked for first.
   static const FrdSample& Instance();
 
-  FrdSample(const FrdSample&) = delete;
-  FrdSample& operator=(const FrdSample&) = delete;
-
   const std::filesystem::path& GetPath() const { return m_Path; }
   std::size_t GetBytes() const { return m_Bytes; }
 
  private:
   FrdSample();
-  ~FrdSample();
 
-  std::filesystem::path m_Folder;
+  TemporaryFolder m_Folder;
   std::filesystem::path m_Path;
   std::size_t m_Bytes = 0;
 };

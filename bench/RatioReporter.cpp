@@ -29,6 +29,12 @@ std::string DescribeTime(double seconds) {
   return Format("%.2f ms", seconds * 1e3);
 }
 
+std::string DescribeSize(double bytes) { return Format("%.1f MB", bytes / 1e6); }
+
+std::string DescribeRate(double rate, bool inBytes) {
+  return inBytes ? Format("%.0f MB/s", rate / 1e6) : DescribeTime(1 / rate);
+}
+
 std::string DescribeGoal(double goal, double ratio) {
   if (goal == Peer::kNoGoal) return "";
   return Format("%.2f", goal) + (ratio <= goal ? "" : "  missed");
@@ -37,7 +43,7 @@ std::string DescribeGoal(double goal, double ratio) {
 }  // namespace
 
 bool RatioReporter::ReportContext(const Context&) {
-  GetErrorStream() << "measuring, about a minute for all cases ...\n";
+  GetErrorStream() << "measuring, about a minute, or some minutes for storage ...\n";
   return true;
 }
 
@@ -47,43 +53,52 @@ void RatioReporter::ReportRuns(const std::vector<Run>& runs) {
       GetErrorStream() << run.run_name.function_name << ": " << run.error_message << '\n';
     }
     if (run.error_occurred || run.run_type != Run::RT_Iteration) continue;
-    Rates& rates = m_Rates[run.run_name.function_name];
-    rates.inBytes = run.counters.count("bytes_per_second") != 0;
-    rates.values.push_back(
-        run.counters.at(rates.inBytes ? "bytes_per_second" : "items_per_second"));
+    Measured& measured = m_Measured[run.run_name.function_name];
+    measured.inBytes = run.counters.count("bytes_per_second") != 0;
+    measured.rates.push_back(
+        run.counters.at(measured.inBytes ? "bytes_per_second" : "items_per_second"));
+    const auto size = run.counters.find(kSizeCounter);
+    if (size != run.counters.end()) measured.sizes.push_back(size->second);
   }
 }
 
 void RatioReporter::Finalize() {
-  GetOutputStream() << "Medians of several repetitions in one run. Ratio: our time by the peer's "
-                       "time, less is better.\n\n"
+  GetOutputStream() << "Medians of several repetitions in one run, for storage the best. Ratio: "
+                       "our time by the peer's time, less is better.\n\n"
                     << Row("case", "ours", "peer", "peer's", "ratio", "goal");
   for (const Suite::Comparison& comparison : m_Suite.GetComparisons()) {
-    for (const Peer& peer : comparison.peers) PrintRow(comparison, peer);
+    for (const Peer& peer : comparison.peers) PrintRows(comparison, peer);
   }
 }
 
 // What the filter left out, or what failed, has no row.
-void RatioReporter::PrintRow(const Suite::Comparison& comparison, const Peer& peer) {
-  const auto ours = m_Rates.find(Suite::NameOfOurs(comparison));
-  const auto theirs = m_Rates.find(Suite::NameOfPeer(comparison, peer));
-  if (ours == m_Rates.end() || theirs == m_Rates.end()) return;
-  const double ratio = Median(theirs->second) / Median(ours->second);
-  GetOutputStream() << Row(comparison.name, Describe(ours->second), peer.name,
-                           Describe(theirs->second), Format("%.2f", ratio),
-                           DescribeGoal(peer.goal, ratio));
+void RatioReporter::PrintRows(const Suite::Comparison& comparison, const Peer& peer) {
+  const auto ours = m_Measured.find(Suite::NameOfOurs(comparison));
+  const auto theirs = m_Measured.find(Suite::NameOfPeer(comparison, peer));
+  if (ours == m_Measured.end() || theirs == m_Measured.end()) return;
+  const double ourRate = Typical(ours->second.rates, comparison.clock);
+  const double theirRate = Typical(theirs->second.rates, comparison.clock);
+  const bool inBytes = ours->second.inBytes;
+  GetOutputStream() << Row(comparison.name, DescribeRate(ourRate, inBytes), peer.name,
+                           DescribeRate(theirRate, inBytes), Format("%.2f", theirRate / ourRate),
+                           DescribeGoal(peer.goal, theirRate / ourRate));
+  if (ours->second.sizes.empty() || theirs->second.sizes.empty()) return;
+  const double ourSize = Median(ours->second.sizes);
+  const double theirSize = Median(theirs->second.sizes);
+  GetOutputStream() << Row(comparison.name + ", size", DescribeSize(ourSize), peer.name,
+                           DescribeSize(theirSize), Format("%.2f", ourSize / theirSize),
+                           DescribeGoal(peer.sizeGoal, ourSize / theirSize));
 }
 
-double RatioReporter::Median(const Rates& rates) {
-  std::vector<double> values = rates.values;
+double RatioReporter::Median(std::vector<double> values) {
   const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
   std::nth_element(values.begin(), middle, values.end());
   return *middle;
 }
 
-std::string RatioReporter::Describe(const Rates& rates) {
-  const double median = Median(rates);
-  return rates.inBytes ? Format("%.0f MB/s", median / 1e6) : DescribeTime(1 / median);
+// What disturbs long work only adds to it, and its repetitions are too few for a median.
+double RatioReporter::Typical(const std::vector<double>& rates, Clock clock) {
+  return clock == Clock::Own ? *std::max_element(rates.begin(), rates.end()) : Median(rates);
 }
 
 }  // namespace qelta::bench

@@ -10,7 +10,8 @@
 
 namespace qelta::bench {
 
-/// Collects all runs and prints one row for each peer: our median, the peer's, and their ratio.
+/// Collects all runs and prints one row for each peer, or two where there are sizes to compare:
+/// what is typical of ours, of the peer, and the ratio.
 class RatioReporter : public benchmark::BenchmarkReporter {
  public:
   /// The suite outlives the reporter.
@@ -21,17 +22,18 @@ class RatioReporter : public benchmark::BenchmarkReporter {
   void Finalize() override;
 
  private:
-  // Items or bytes per second, one entry for each repetition.
-  struct Rates {
-    std::vector<double> values;
+  // One entry for each repetition.
+  struct Measured {
+    std::vector<double> rates;  // items or bytes per second
+    std::vector<double> sizes;  // or none
     bool inBytes = false;
   };
-  static double Median(const Rates& rates);
-  static std::string Describe(const Rates& rates);
-  void PrintRow(const Suite::Comparison& comparison, const Peer& peer);
+  static double Median(std::vector<double> values);
+  static double Typical(const std::vector<double>& rates, Clock clock);
+  void PrintRows(const Suite::Comparison& comparison, const Peer& peer);
 
   const Suite& m_Suite;
-  std::map<std::string, Rates> m_Rates;  // by benchmark name
+  std::map<std::string, Measured> m_Measured;  // by benchmark name
 };
 
 }  // namespace qelta::bench

@@ -18,11 +18,17 @@ struct Peer {
 
   std::string name;
   Body body;
-  double goal = kNoGoal;  ///< the ratio that we want to reach, or less
+  double goal = kNoGoal;      ///< the ratio that we want to reach, or less
+  double sizeGoal = kNoGoal;  ///< the same for the bytes of a counter kSizeCounter
 };
 
-/// Processor time of this process, or what a clock on the wall shows (work done by a child).
-enum class Clock { Processor, Wall };
+/// What some work leaves behind, in bytes: a user counter of the body, with a row of its own.
+inline constexpr const char* kSizeCounter = "size";
+
+/// Processor time of this process, what a clock on the wall shows (work done by a child), or what
+/// the body says of each iteration. The last is for work of seconds: it is done in two rounds over
+/// ours and the peers, twice in each, and the best counts.
+enum class Clock { Processor, Wall, Own };
 
 /// The comparisons of one run: our way of doing a piece of work, each beside its peers.
 class Suite {
@@ -30,6 +36,7 @@ class Suite {
   struct Comparison {
     std::string name;  ///< "family/case"
     std::vector<Peer> peers;
+    Clock clock = Clock::Processor;
   };
 
   /// Registers "name/ours" and one "name/peer:<peer>" for each peer.

@@ -153,9 +153,9 @@ void FileStore::Relocated(Relocation& moved, const CatalogueState& state) noexce
   auto unknown = m_Unknown.begin();  // in the same order
   for (std::size_t i = 0; i < moved.rows.blocks.size(); ++i) {
     BlockRow& row = moved.rows.blocks[i];
-    const auto content = m_Contents.find(row.key);
-    if (content != m_Contents.end()) {
-      content->second->Relocated(row, moved.chunks[i], state.generation);
+    const ContentPointer content = m_Contents.Find(row.key);
+    if (content != nullptr) {
+      content->Relocated(row, moved.chunks[i], state.generation);
     } else if (unknown != m_Unknown.end()) {
       (unknown++)->chunks.swap(row.chunks);
     }

@@ -25,8 +25,7 @@ void FileStore::FailUnusable() const {
 }
 
 FileStore::ContentPointer FileStore::Find(const std::string& key) const {
-  const auto found = m_Contents.find(key);
-  return found == m_Contents.end() ? nullptr : found->second;
+  return m_Contents.Find(key);
 }
 
 FileStore::ContentPointer FileStore::Find(const FED_DataDescriptor& descriptor) const {
@@ -47,7 +46,7 @@ FileStore::ContentPointer FileStore::Add(const FED_DataDescriptor& descriptor,
                        "another key, or use the program that wrote it.",
                        descriptor.ToString().c_str(), m_Directory.c_str());
   }
-  if (m_Contents.count(row.key) > 0) {
+  if (m_Contents.Find(row.key) != nullptr) {
     FED_Failure::Throw("220300000045", kLocation,
                        "Block %s cannot be told from one that is stored in %s. Use texts without a "
                        "character 0 in keys.",
@@ -55,11 +54,11 @@ FileStore::ContentPointer FileStore::Add(const FED_DataDescriptor& descriptor,
   }
   const auto content = std::make_shared<FileContent>(*this, row, false);
   content->Open();
-  m_Contents[row.key] = content;
+  m_Contents.Insert(content);
   try {
     content->BeginChange();
   } catch (...) {
-    m_Contents.erase(row.key);
+    m_Contents.Erase(row.key);
     throw;
   }
   ++m_BlockChanges;
@@ -82,7 +81,7 @@ void FileStore::Delete(const FED_DataDescriptor& descriptor) {
     m_Changed[content->placeInChanges]->placeInChanges = content->placeInChanges;
     m_Changed.pop_back();
   }
-  m_Contents.erase(key);
+  m_Contents.Erase(key);
   content->Discard();
   ++m_BlockChanges;
 }
@@ -113,8 +112,8 @@ Extent FileStore::StoreExtent(const void* data, std::size_t size) {
 
 std::vector<FileStore::ContentPointer> FileStore::ListContents() const {
   std::vector<ContentPointer> contents;
-  contents.reserve(m_Contents.size());
-  for (const auto& [key, content] : m_Contents) contents.push_back(content);
+  contents.reserve(m_Contents.GetCount());
+  m_Contents.ForEach([&](const ContentPointer& content) { contents.push_back(content); });
   return contents;
 }
 
@@ -133,7 +132,7 @@ PayloadSpace& FileStore::GetSpace() {
       used.emplace_back(chunk.extent.offset, chunk.extent.length);
     }
   };
-  for (const auto& [key, content] : m_Contents) use(content->GetRow().chunks);
+  m_Contents.ForEach([&](const ContentPointer& content) { use(content->GetRow().chunks); });
   for (const BlockRow& row : m_Unknown) use(row.chunks);
   for (const IdMapRow& row : m_IdMaps) use(row.chunks);
   std::sort(used.begin(), used.end());
@@ -159,7 +158,7 @@ void FileStore::Reclaim() {
   try {
     if (m_Lock->HasReadersStarting()) return;
     m_Space->Reclaim(m_Lock->GetReaderGenerations(m_Space->GetOldestHeld(), m_State.generation));
-  } catch (const FED_Failure&) {
+  } catch (const std::exception&) {
   }
 }
 

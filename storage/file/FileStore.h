@@ -4,12 +4,12 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "Catalogue.h"
 #include "ChunkCache.h"
+#include "ContentTable.h"
 #include "DatabaseLock.h"
 #include "FED_DataDescriptor.h"
 #include "FED_Database.h"
@@ -184,7 +184,7 @@ class FileStore {
   std::vector<AliasRow> m_Aliases;
   std::vector<IdMapRow> m_IdMaps;
   std::vector<BlockRow> m_Unknown;
-  std::unordered_map<std::string, ContentPointer> m_Contents;
+  ContentTable m_Contents;
   std::vector<FileContent*> m_Changed;
   std::vector<BlockRow> m_Rows;  // of those, while a commit is made
   std::vector<std::string> m_Deleted;

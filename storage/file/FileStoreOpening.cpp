@@ -97,7 +97,7 @@ void FileStore::CreateFiles() {
 
 void FileStore::MoveAside(const std::string& reason) {
   m_Stored.clear();
-  m_Contents.clear();
+  m_Contents.Clear();
   m_Unknown.clear();
   m_Aliases.clear();
   m_IdMaps.clear();
@@ -114,9 +114,10 @@ void FileStore::MoveAside(const std::string& reason) {
 // All that is stored stays as it is until the first commit, which removes it.
 void FileStore::StartEmpty() {
   const std::uint64_t length = m_State.payloadLength - Payload::kHeaderSize;
-  m_Clears = !m_Contents.empty() || !m_Unknown.empty() || !m_Aliases.empty() || !m_IdMaps.empty();
+  m_Clears =
+      m_Contents.GetCount() > 0 || !m_Unknown.empty() || !m_Aliases.empty() || !m_IdMaps.empty();
   m_Stored.clear();
-  m_Contents.clear();
+  m_Contents.Clear();
   m_Unknown.clear();
   m_Aliases.clear();
   m_IdMaps.clear();
@@ -152,10 +153,9 @@ void FileStore::LoadBlock(BlockRow&& row) {
     m_Unknown.push_back(std::move(row));
     return;
   }
-  std::string key = row.key;
   const auto content = std::make_shared<FileContent>(*this, std::move(row), true);
   m_Stored.emplace_back(descriptor, content);
-  m_Contents.emplace(std::move(key), content);
+  m_Contents.Insert(content);
 }
 
 void FileStore::OpenPayload(Catalogue& catalogue) {
