@@ -1,41 +1,9 @@
 #!/bin/sh
 # The tool as its user meets it: exit codes, what goes to which stream, 80 columns.
 # Arguments: the tool, a result file in text form, the same results in binary form.
-set -u
-qelta=$1
+. "$(dirname "$0")/harness.sh"
 text=$2
 binary=$3
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
-out=$folder/out
-err=$folder/err
-status=0
-
-fail() {
-  echo "FAILED: $1"
-  sed 's/^/  out: /' "$out"
-  sed 's/^/  err: /' "$err"
-  status=1
-}
-
-# expect CODE ARGUMENT...: runs the tool; what it prints stays in $out and $err.
-expect() {
-  code=$1
-  shift
-  "$qelta" "$@" >"$out" 2>"$err"
-  got=$?
-  [ $got -eq "$code" ] || fail "qelta $* gave $got, not $code"
-  # A failure is one line on standard error and nothing on standard output.
-  if [ "$code" -ge 2 ]; then
-    [ ! -s "$out" ] || fail "qelta $* printed results before it failed"
-    { [ "$(wc -l <"$err")" -eq 1 ] && grep -q '^qelta: ' "$err"; } || fail "qelta $*: no one-line error"
-  else
-    [ ! -s "$err" ] || fail "qelta $* complained"
-  fi
-}
-prints() { grep -qF -- "$1" "$out" || fail "'$1' was not printed"; }
-complains() { grep -qF -- "$1" "$err" || fail "no complaint about '$1'"; }
-counts() { [ "$(wc -l <"$out")" -eq "$1" ] || fail "not $1 lines"; }
 
 expect 0 info "$text"
 prints "54 nodes, 16 elements (16 hex8)"
@@ -201,4 +169,4 @@ if [ -w /dev/full ]; then
   "$qelta" info "$text" >/dev/full 2>"$err"
   [ $? -eq 4 ] || fail "a full device gives 4"
 fi
-exit $status
+exit "$status"

@@ -25,11 +25,10 @@ std::unique_ptr<FED_FileDatabase> Open(const std::string& name, FED_DatabaseDefs
   return database;
 }
 
-void RequireDatabase(const std::string& name) {
-  if (!IsDatabase(name)) {
-    FED_Failure::Throw("", "|%P|qelta|Databases", "%s is no database. Check the path.",
-                       name.c_str());
-  }
+// For writing, which would make a database where there is none.
+std::unique_ptr<FED_FileDatabase> OpenExisting(const std::string& name) {
+  Open(name, FED_DatabaseDefs::READ_ONLY, 0);
+  return Open(name, FED_DatabaseDefs::READ_WRITE, 0);
 }
 
 DatabaseReport ToReport(FED_FileDatabase::Report report) {
@@ -49,6 +48,10 @@ std::unique_ptr<FED_Database> OpenDatabase(const std::string& name,
   return Open(name, mode, cacheBytes);
 }
 
+std::unique_ptr<FED_Database> OpenExistingDatabase(const std::string& name) {
+  return OpenExisting(name);
+}
+
 void SaveDatabase(FED_Database& database) { dynamic_cast<FED_FileDatabase&>(database).Save(); }
 
 DatabaseReport VerifyDatabase(const std::string& name, const DatabaseProgress& progress) {
@@ -61,8 +64,7 @@ DatabaseReport SalvageDatabase(const std::string& name, const std::string& targe
 }
 
 void CompactDatabase(const std::string& name, const DatabaseProgress& progress) {
-  RequireDatabase(name);
-  Open(name, FED_DatabaseDefs::READ_WRITE, 0)->Compact(progress);
+  OpenExisting(name)->Compact(progress);
 }
 
 void BackupDatabase(const std::string& name, const std::string& target,

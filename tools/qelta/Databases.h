@@ -21,6 +21,9 @@ std::unique_ptr<FED_Database> OpenDatabase(const std::string& name,
                                            FED_DatabaseDefs::AccessMode mode,
                                            std::uint64_t cacheBytes = 0);
 
+/// The same for writing; fails when there is none.
+std::unique_ptr<FED_Database> OpenExistingDatabase(const std::string& name);
+
 /// Makes all changes durable at once.
 void SaveDatabase(FED_Database& database);
 

@@ -1,4 +1,5 @@
 #include <FED_Failure.h>
+#include <FrdSource.h>
 #include <FrdSummary.h>
 #include <QeltaCsvImport.h>
 
@@ -118,6 +119,7 @@ int ImportResults(Options& options, const QeltaKeyChanges& changes) {
     blocks += isAccepted ? 1u : 0u;
     return isAccepted;
   };
+  FrdSource(options.file);  // a file that is not there makes no database
   const auto target = OpenTarget(options.target, false, options.CacheBytes());
   Progress progress("importing " + options.file, options.showProgress);
   options.reading.onProgress = [&progress](std::uint64_t done, std::uint64_t total) {

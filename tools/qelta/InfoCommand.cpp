@@ -192,7 +192,7 @@ void PrintBlocks(const std::vector<QeltaBlockInfo>& blocks) {
                ShortFormat(row.format), Number(row.blocks), Number(row.records)});
   }
   Console::PrintBold("\n" + Count(blocks.size(), "block") + "\n");
-  table.Print();
+  if (!blocks.empty()) table.Print();
 }
 
 void PrintFields(const std::vector<QeltaBlockInfo>& blocks) {
@@ -204,6 +204,7 @@ void PrintFields(const std::vector<QeltaBlockInfo>& blocks) {
     const std::string values = Shorten(DescribeValues(keys, Key::CastIndex(i)), kLongList);
     if (!values.empty()) table.Add({Key::RD_NAME_TYPE_ITEMS[i].name, values});
   }
+  if (table.IsEmpty()) return;
   Console::PrintBold("\nValues of the descriptor fields\n");
   table.Print();
 }
@@ -215,6 +216,7 @@ void PrintIds(const FED_IdMapsPool& maps) {
     const auto count = static_cast<std::uint64_t>(map.GetMaxIndex() + 1);
     if (count > 0) table.Add({FED_ID_TYPE_INFO[type].name, Number(count)});
   }
+  if (table.IsEmpty()) return;
   Console::PrintBold("\nEntities with ids\n");
   table.Print();
 }

@@ -35,8 +35,8 @@ bool IsAgreed(const Options& options, std::size_t count) {
 int Remove(const Options& options) {
   RequireSelection(options);
   const QeltaPatternText pattern = options.selection.GetPattern();
-  const auto mode = options.isDryRun ? FED_DatabaseDefs::READ_ONLY : FED_DatabaseDefs::READ_WRITE;
-  const auto database = OpenDatabase(options.name, mode);
+  const auto database = options.isDryRun ? OpenDatabase(options.name, FED_DatabaseDefs::READ_ONLY)
+                                         : OpenExistingDatabase(options.name);
   const std::vector<FED_DataDescriptor> keys = pattern.Select(*database);
   if (keys.empty()) return EXIT_NOTHING_FOUND;
   if (options.isDryRun) {

@@ -15,7 +15,9 @@ class Table {
   /// One cell for each column.
   void Add(std::vector<std::string> cells) { m_Rows.push_back(std::move(cells)); }
 
-  /// The same; stands out where the rows are shown.
+  bool IsEmpty() const { return m_Rows.empty(); }
+
+  /// Like Add; stands out where the rows are shown.
   void AddTitles(std::vector<std::string> cells);
 
   /// Columns that the table takes without breaking a cell.

@@ -1,7 +1,9 @@
 #include <FED_Exception.h>
+#include <FED_LogMacros.h>
 #include <QeltaNames.h>
 
 #include <CLI/CLI.hpp>
+#include <cstdlib>
 #include <exception>
 #include <new>
 #include <string>
@@ -40,8 +42,7 @@ int Usage(const CLI::App& app, const CLI::ParseError& error) {
   return EXIT_USAGE;
 }
 
-int Run(int argc, char** argv) {
-  Action action;
+int Run(int argc, char** argv, Action& action) {
   CLI::App app("Looks into the results of solvers and optimisers.", "qelta");
   app.require_subcommand(0, 1);
   app.set_version_flag("--version", "qelta " QELTA_VERSION "\n", "Print the version and exit");
@@ -65,11 +66,23 @@ int Run(int argc, char** argv) {
   return action();
 }
 
-int RunGuarded(int argc, char** argv) {
+// What the library says on the side, such as that it does not know a kind of block. Told only after
+// a command that did its work: one that failed says why in one line.
+using Notes = std::vector<std::string>;
+
+void TakeNote(void* notes, FED_LogMacros::LogMsgType type, const char*, int, const char*,
+              const char* text) {
+  if (type == FED_LogMacros::LOG_CONTINUED) static_cast<Notes*>(notes)->emplace_back(text);
+}
+
+int RunGuarded(int argc, char** argv, Action& action) {
+  Notes notes;
   try {
     Console::Prepare();
-    const int code = Run(argc, argv);
+    FED_LogMacros::SetSink(TakeNote, &notes);
+    const int code = Run(argc, argv, action);
     Console::Flush();
+    for (const std::string& note : notes) Console::Complain(note);
     return code;
   } catch (const Console::PipeClosed&) {
     return EXIT_DONE;
@@ -95,4 +108,10 @@ int RunGuarded(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) { return RunGuarded(argc, argv); }
+int main(int argc, char** argv) {
+  Action action;
+  const int code = RunGuarded(argc, argv, action);
+  // What was open for reading ends with the process: to take 100 000 blocks apart costs a third of
+  // listing them. What was written to is closed by now.
+  std::_Exit(code);
+}
