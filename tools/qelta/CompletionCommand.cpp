@@ -100,7 +100,7 @@ std::string ZshText(const std::string& text) {
 
 std::string ZshValues(const CLI::Option& option) {
   const std::string name = option.get_name();
-  if (name == "--where" || name == "--set") return "(" + FieldTexts() + ")";
+  if (name == "--where" || name == "--set") return "{compadd -S \"\" -- " + FieldTexts() + "}";
   if (name == "--format") return "(table csv json jsonl)";
   if (name == "--on-conflict") return "(fail skip replace)";
   return "";
@@ -121,12 +121,18 @@ std::string ZshOptions(const CLI::App& command) {
   return text;
 }
 
+std::string ZshArguments(const CLI::App& app, const std::string& command) {
+  if (command == "help") return "command:(pattern " + CommandNames(app) + ")";
+  if (command == "completion") return "shell:(bash zsh)";
+  return "file:_files";
+}
+
 std::string ZshScript(const CLI::App& app) {
   std::string commands, cases;
   for (const CLI::App* command : app.get_subcommands({})) {
     commands += " '" + command->get_name() + ":" + ZshText(command->get_description()) + "'";
     cases += "    " + command->get_name() + ") _arguments" + ZshOptions(*command) +
-             " '*:file:_files' ;;\n";
+             " '*:" + ZshArguments(app, command->get_name()) + "' ;;\n";
   }
   return "#compdef qelta\n"
          "# Completion of qelta for zsh; put this into ~/.zshrc:  source <(qelta completion zsh)\n"
