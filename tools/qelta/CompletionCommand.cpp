@@ -106,17 +106,19 @@ std::string ZshValues(const CLI::Option& option) {
   return "";
 }
 
+void AppendOption(std::string& text, const std::string& name, const std::string& rest) {
+  text.append(" '*").append(name).append(rest).append("'");
+}
+
 std::string ZshOptions(const CLI::App& command) {
   std::string text;
   for (const CLI::Option* option : command.get_options()) {
-    const std::string rest =
-        "[" + ZshText(option->get_description()) + "]" +
-        (option->get_expected_max() == 0
-             ? ""
-             : ":" + ZshText(option->get_type_name()) + ":" + ZshValues(*option)) +
-        "'";
-    for (const std::string& name : option->get_lnames()) text += " '*--" + name + rest;
-    for (const std::string& name : option->get_snames()) text += " '*-" + name + rest;
+    std::string rest = "[" + ZshText(option->get_description()) + "]";
+    if (option->get_expected_max() != 0) {
+      rest += ":" + ZshText(option->get_type_name()) + ":" + ZshValues(*option);
+    }
+    for (const std::string& name : option->get_lnames()) AppendOption(text, "--" + name, rest);
+    for (const std::string& name : option->get_snames()) AppendOption(text, "-" + name, rest);
   }
   return text;
 }
@@ -130,9 +132,11 @@ std::string ZshArguments(const CLI::App& app, const std::string& command) {
 std::string ZshScript(const CLI::App& app) {
   std::string commands, cases;
   for (const CLI::App* command : app.get_subcommands({})) {
-    commands += " '" + command->get_name() + ":" + ZshText(command->get_description()) + "'";
-    cases += "    " + command->get_name() + ") _arguments" + ZshOptions(*command) +
-             " '*:" + ZshArguments(app, command->get_name()) + "' ;;\n";
+    const std::string name = command->get_name();
+    commands.append(" '").append(name).append(":");
+    commands.append(ZshText(command->get_description())).append("'");
+    cases.append("    ").append(name).append(") _arguments").append(ZshOptions(*command));
+    cases.append(" '*:").append(ZshArguments(app, name)).append("' ;;\n");
   }
   return "#compdef qelta\n"
          "# Completion of qelta for zsh; put this into ~/.zshrc:  source <(qelta completion zsh)\n"

@@ -119,7 +119,7 @@ int ImportResults(Options& options, const QeltaKeyChanges& changes) {
     blocks += isAccepted ? 1u : 0u;
     return isAccepted;
   };
-  FrdSource(options.file);  // a file that is not there makes no database
+  const FrdSource check(options.file);  // a file that is not there makes no database
   const auto target = OpenTarget(options.target, false, options.CacheBytes());
   Progress progress("importing " + options.file, options.showProgress);
   options.reading.onProgress = [&progress](std::uint64_t done, std::uint64_t total) {
