@@ -10,6 +10,7 @@
 #include "FED_Failure.h"
 #include "QeltaBulkAccess.h"
 #include "QeltaEntryPoint.h"
+#include "QeltaPatternText.h"
 #include "QeltaStringUtil.h"
 #include "StorageKinds.h"
 
@@ -56,6 +57,12 @@ std::size_t RequireCount(std::int32_t count) {
     FED_Failure::Throw("400000000005", kLocation, "A column cannot have %d records.", count);
   }
   return static_cast<std::size_t>(count);
+}
+
+void Fill(FED_DataDescriptorList& list, const std::vector<FED_DataDescriptor>& keys) {
+  list.Resize(keys.size());
+  std::transform(keys.begin(), keys.end(), list.GetData(),
+                 [](const FED_DataDescriptor& key) { return key.Duplicate(); });
 }
 
 template <class Array, class Value>
@@ -138,13 +145,18 @@ void Database_DeleteBlocks_F(FED_Database* database, const FED_DataDescriptorPat
 
 void Database_FindBlocks_F(FED_Database* database, const FED_DataDescriptorPattern* pattern,
                            FED_DataDescriptorList* list, std::int32_t* status) noexcept {
-  const auto work = [&] {
-    const std::vector<FED_DataDescriptor> found = database->FindBlocks(*pattern);
-    list->Resize(found.size());
-    std::transform(found.begin(), found.end(), list->GetData(),
-                   [](const FED_DataDescriptor& descriptor) { return descriptor.Duplicate(); });
-  };
+  const auto work = [&] { Fill(*list, database->FindBlocks(*pattern)); };
   qelta::RunWithStatus(kLocation, status, work, database, pattern, list);
+}
+
+void Database_SelectBlocks_F(FED_Database* database, const char* text, FED_DataDescriptorList* list,
+                             std::int32_t* status) noexcept {
+  const auto work = [&] {
+    qelta::QeltaPatternText pattern;
+    if (*text != '\0') pattern.Add(text);
+    Fill(*list, pattern.Select(*database));
+  };
+  qelta::RunWithStatus(kLocation, status, work, database, text, list);
 }
 
 void Database_CreateAlias_F(FED_Database* database, const FED_DataDescriptor* existing,

@@ -64,6 +64,12 @@ QELTA_FORTRAN_EXPORT void Database_FindBlocks_F(FED_Database* database,
                                                 FED_DataDescriptorList* list,
                                                 int32_t* status) QELTA_ENTRY_NOEXCEPT;
 
+/* The same for a selection in text form, such as "LABEL=DISP; ITERATION=10..20; STATE=max": the
+ * conditions of QeltaPatternText.h, separated by semicolons. An empty text selects everything. */
+QELTA_FORTRAN_EXPORT void Database_SelectBlocks_F(FED_Database* database, const char* text,
+                                                  FED_DataDescriptorList* list,
+                                                  int32_t* status) QELTA_ENTRY_NOEXCEPT;
+
 /* Makes `alias` a further name of the block of `existing`. `created` is 0, and nothing changed,
  * when the two are equal, `existing` has no block, `alias` has one, or either specifies no field.
  */

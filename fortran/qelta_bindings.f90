@@ -420,6 +420,14 @@ module qelta_bindings
       type(qelta_descriptor_list_layout), intent(inout) :: list
       integer(c_int32_t), intent(out) :: status
     end subroutine
+    subroutine Database_SelectBlocks_F(database, text, list, status) &
+        bind(c, name='Database_SelectBlocks_F')
+      import
+      type(c_ptr), value :: database
+      character(kind=c_char), intent(in) :: text(*)
+      type(qelta_descriptor_list_layout), intent(inout) :: list
+      integer(c_int32_t), intent(out) :: status
+    end subroutine
     subroutine Database_CreateAlias_F(database, existing, alias, created, status) &
         bind(c, name='Database_CreateAlias_F')
       import

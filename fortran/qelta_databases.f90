@@ -29,6 +29,7 @@ module qelta_databases
     procedure :: fetch_block => database_fetch_block
     procedure :: has_block => database_has_block
     procedure :: find_blocks => database_find_blocks
+    procedure :: select_blocks => database_select_blocks
     !> Deletes a block, if it is there, or those that a pattern selects.
     procedure :: delete_block => database_delete_block
     procedure :: delete_blocks => database_delete_blocks
@@ -166,6 +167,27 @@ contains
     integer(int32) :: code
     if (.not. resolve(self, database, status, message)) return
     call Database_FindBlocks_F(database, pattern%layout, list, code)
+    if (code == qelta_ok) call copy_list(list, keys)
+    call DataDescriptorList_Deallocate_F(list)
+    call conclude(code, status, message)
+  end subroutine
+
+  !> The keys that a text selects, such as 'LABEL=DISP; ITERATION=10..20; STATE=max': conditions
+  !> separated by semicolons, all of which must hold. A field equals a value, lies in a range
+  !> (10..20, 10.., ..20), is one of a list (1,3,7), is present (?) or missing (!); LABEL~STR* and
+  !> ONF=@nodal test texts and kinds. Then come the extremes one after another, each over what is
+  !> left: STATE=max, STATE=min, STATE=max/LOADCASE.
+  subroutine database_select_blocks(self, text, keys, status, message)
+    class(qelta_database), intent(in) :: self
+    character(*), intent(in) :: text
+    type(qelta_descriptor), allocatable, intent(inout) :: keys(:)
+    integer(int32), intent(out), optional :: status
+    character(*), intent(inout), optional :: message
+    type(qelta_descriptor_list_layout) :: list
+    type(c_ptr) :: database
+    integer(int32) :: code
+    if (.not. resolve(self, database, status, message)) return
+    call Database_SelectBlocks_F(database, for_c(trim(text)), list, code)
     if (code == qelta_ok) call copy_list(list, keys)
     call DataDescriptorList_Deallocate_F(list)
     call conclude(code, status, message)

@@ -9,8 +9,32 @@ namespace {
 
 class Import : public FrdBlocks {
  public:
-  using FrdBlocks::FrdBlocks;
+  Import(QeltaBlockSink& sink, const FrdImportChoice& choice) : FrdBlocks(sink), m_Choice(choice) {}
 
+  void OnNodesBegin(const FrdTable& table) override {
+    TellOfTable(true);
+    FrdBlocks::OnNodesBegin(table);
+  }
+  void OnNodesEnd() override {
+    FrdBlocks::OnNodesEnd();
+    TellOfTable(false);
+  }
+  void OnElementsBegin(const FrdTable& table) override {
+    TellOfTable(true);
+    FrdBlocks::OnElementsBegin(table);
+  }
+  void OnElementsEnd() override {
+    FrdBlocks::OnElementsEnd();
+    TellOfTable(false);
+  }
+  void OnDatasetBegin(const FrdDataset& dataset) override {
+    TellOfTable(true);
+    FrdBlocks::OnDatasetBegin(dataset);
+  }
+  void OnDatasetEnd(const FrdDataset& dataset) override {
+    FrdBlocks::OnDatasetEnd(dataset);
+    TellOfTable(false);
+  }
   void OnEnd(bool complete) override {
     FrdBlocks::OnEnd(complete);
     m_IsComplete = complete;
@@ -18,30 +42,24 @@ class Import : public FrdBlocks {
   bool IsComplete() const { return m_IsComplete; }
 
  private:
+  void TellOfTable(bool isOpen) const {
+    if (m_Choice.onTable) m_Choice.onTable(isOpen);
+  }
+
+  const FrdImportChoice& m_Choice;
   bool m_IsComplete = false;
 };
-
-bool ImportInto(QeltaBlockSink& sink, const std::filesystem::path& path,
-                const FrdReadOptions& options) {
-  FrdReader reader(path, options);
-  Import import(sink);
-  reader.Read(import);
-  return import.IsComplete();
-}
 
 }  // namespace
 
 bool ImportFrd(const std::filesystem::path& path, FED_Database& database,
-               const FrdReadOptions& options) {
+               const FrdReadOptions& options, const FrdImportChoice& choice) {
   QeltaDatabaseSink sink(database);
-  return ImportInto(sink, path, options);
-}
-
-bool ImportFrdBlocks(const std::filesystem::path& path, FED_Database& database,
-                     const std::vector<FED_DataDescriptor>& keys, const FrdReadOptions& options) {
-  QeltaDatabaseSink sink(database);
-  QeltaSelectingSink selecting(sink, keys);
-  return ImportInto(selecting, path, options);
+  QeltaSelectingSink selecting(sink, choice.accepts, choice.changes);
+  FrdReader reader(path, options);
+  Import import(selecting, choice);
+  reader.Read(import);
+  return import.IsComplete();
 }
 
 }  // namespace qelta

@@ -27,7 +27,7 @@ bool IsPrintable(std::string_view line) {
 }  // namespace
 
 FrdReader::FrdReader(const std::filesystem::path& path, const FrdReadOptions& options)
-    : m_Source(path, options.chunkBytes),
+    : m_Source(path, options.chunkBytes, options.onProgress, options.waitForMore),
       m_AcceptRunningJob(options.acceptRunningJob),
       m_RecordReader(m_Source, m_NodeIndex),
       m_ElementReader(m_Source, m_NodeIndex) {}
@@ -165,6 +165,7 @@ void FrdReader::ReadFieldHead(FrdDataset& dataset) {
 
 void FrdReader::RequireNothingLeft() {
   m_IsComplete = true;
+  m_Source.StopWaiting();
   std::string_view line;
   while (m_Source.GetLine(line)) {
     if (!FrdIsBlank(line)) {

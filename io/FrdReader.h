@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -16,6 +17,10 @@ struct FrdReadOptions {
   /// Accept a file whose last table is cut short, as that of a running job is.
   bool acceptRunningJob = false;
   std::size_t chunkBytes = FrdSource::kDefaultChunk;
+  /// Called after each chunk; what it throws ends the reading.
+  FrdSource::Progress onProgress;
+  /// Asked where the file ends without an end record; true: there may be more by now, read on.
+  std::function<bool()> waitForMore;
 };
 
 /// Reads a CalculiX result file (.frd, text or binary) once, from its start to its end.

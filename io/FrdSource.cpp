@@ -31,8 +31,13 @@ void RequireFile(const std::filesystem::path& path, const std::string& name) {
 
 const char* const FrdSource::kReadErrorId = "310000000004";
 
-FrdSource::FrdSource(const std::filesystem::path& path, std::size_t chunkBytes)
-    : m_Name(path.u8string()), m_Buffer(std::max<std::size_t>(chunkBytes, 1)) {
+FrdSource::FrdSource(const std::filesystem::path& path, std::size_t chunkBytes, Progress onProgress,
+                     std::function<bool()> waitForMore)
+    : m_Path(path),
+      m_Name(path.u8string()),
+      m_OnProgress(std::move(onProgress)),
+      m_WaitForMore(std::move(waitForMore)),
+      m_Buffer(std::max<std::size_t>(chunkBytes, 1)) {
   RequireFile(path, m_Name);
   m_File.open(path, std::ios::in | std::ios::binary);
   if (!m_File) {
@@ -86,15 +91,32 @@ bool FrdSource::Refill(std::size_t wanted) {
   m_End -= m_Begin;
   m_Begin = 0;
   if (m_Buffer.size() < wanted) m_Buffer.resize(std::max(wanted, 2 * m_Buffer.size()));
-  while (m_End < wanted && m_File) {
-    m_File.read(m_Buffer.data() + m_End, static_cast<std::streamsize>(m_Buffer.size() - m_End));
-    m_End += static_cast<std::size_t>(m_File.gcount());
+  while (m_End < wanted && ReadOn()) {
   }
   if (m_File.bad()) {
     FED_Failure::Throw(kReadErrorId, kLocation, "Reading %s failed after byte %Iu: %s.",
                        m_Name.c_str(), m_BufferAt + m_End, std::strerror(errno));
   }
   return m_End >= wanted;
+}
+
+// False at the end of the file.
+bool FrdSource::ReadOn() {
+  if (!m_File) {
+    if (m_File.bad() || !m_WaitForMore || !m_WaitForMore()) return false;
+    m_File.clear();
+  }
+  m_File.read(m_Buffer.data() + m_End, static_cast<std::streamsize>(m_Buffer.size() - m_End));
+  m_End += static_cast<std::size_t>(m_File.gcount());
+  if (m_OnProgress) ReportProgress();
+  return true;
+}
+
+void FrdSource::ReportProgress() {
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(m_Path, error);
+  const std::uint64_t done = m_BufferAt + m_End;
+  m_OnProgress(done, error ? done : std::max<std::uint64_t>(size, done));
 }
 
 std::string FrdSource::GetPlace() const {

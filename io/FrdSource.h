@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,7 +23,15 @@ class FrdSource {
   /// that the file is missing or damaged.
   static const char* const kReadErrorId;
 
-  explicit FrdSource(const std::filesystem::path& path, std::size_t chunkBytes = kDefaultChunk);
+  /// Receives the bytes that were read and those that the file has.
+  using Progress = std::function<void(std::uint64_t done, std::uint64_t total)>;
+
+  /// `waitForMore` is asked at the end of the file; true: try again.
+  explicit FrdSource(const std::filesystem::path& path, std::size_t chunkBytes = kDefaultChunk,
+                     Progress onProgress = {}, std::function<bool()> waitForMore = {});
+
+  /// From now on the end of the file is the end.
+  void StopWaiting() { m_WaitForMore = nullptr; }
 
   /// The next line, without LF or CR LF; false at the end of the file.
   bool GetLine(std::string_view& line);
@@ -46,7 +55,13 @@ class FrdSource {
   std::size_t FindLineEnd();
   std::size_t Available() const { return m_End - m_Begin; }
 
+  bool ReadOn();
+  void ReportProgress();
+
+  std::filesystem::path m_Path;
   std::string m_Name;
+  Progress m_OnProgress;
+  std::function<bool()> m_WaitForMore;
   std::ifstream m_File;
   std::vector<char> m_Buffer;
   std::size_t m_Begin = 0;       // of what was not given yet, in the buffer

@@ -1,13 +1,15 @@
 #include "QeltaPatternText.h"
 
 #include <FED_Failure.h>
-#include <FED_Message.h>
-#include <FED_OnfInfoPool.h>
+#include <FED_IntSetIntvl.h>
 #include <QeltaStringUtil.h>
 
-#include <optional>
-#include <set>
+#include <algorithm>
+#include <limits>
+#include <map>
+#include <utility>
 
+#include "QeltaFieldText.h"
 #include "QeltaNames.h"
 
 namespace qelta {
@@ -15,125 +17,242 @@ namespace {
 
 using Key = FED_DataDescriptor;
 
+struct Item {
+  std::string text;
+  bool isQuoted;
+};
+
 [[noreturn]] void ThrowUsage(const char* messageId, const std::string& text) {
   FED_Failure::Throw(messageId, "|%P|QeltaIo|QeltaPatternText", "%s", text.c_str());
 }
 
-std::optional<int> ToInteger(const std::string& text) {
-  int value = 0;
-  if (QeltaStringUtil::ToInt(text, value) != STATUS_OK) return std::nullopt;
-  return value;
+bool IsText(Key::ResultIndex field) {
+  return Key::RD_NAME_TYPE_ITEMS[field].type == Key::STRING_FIELD;
 }
 
-const Key::NameAndType& Info(Key::ResultIndex field) { return Key::RD_NAME_TYPE_ITEMS[field]; }
+const std::string& NameOf(Key::ResultIndex field) { return Key::RD_NAME_TYPE_ITEMS[field].name; }
 
-Key::ResultIndex FindField(const std::string& name) {
-  std::vector<std::string> names;
-  for (std::size_t i = 0; i < Key::FIELD_COUNT; ++i) {
-    names.push_back(Key::RD_NAME_TYPE_ITEMS[i].name);
-    if (IsSameName(names.back(), name)) return Key::CastIndex(i);
+// Takes the text to the next quote that is not doubled; `begin` stands behind the first one.
+std::string TakeQuoted(const std::string& text, std::size_t& begin) {
+  std::string quoted;
+  for (;; ++begin) {
+    const std::size_t quote = text.find('\'', begin);
+    if (quote == std::string::npos) {
+      ThrowUsage("310000000710", "A quote is not closed in '" + text + "'.");
+    }
+    quoted += text.substr(begin, quote - begin);
+    begin = quote + 1;
+    if (text[begin] != '\'') return quoted;
+    quoted += '\'';
   }
-  ThrowUsage("310000000701", "There is no field '" + name + "'." + Suggest(name, names));
 }
 
-std::optional<int> FindKind(const std::string& name, std::vector<std::string>& names) {
-  for (const FED_OnfId id : FED_OnfInfoPool::GetAllOnfIds()) {
-    names.push_back(FED_OnfInfoPool::GetOnfInfo(id).name);
-    if (IsSameName(names.back(), name)) return id;
+// Takes one item of a list, and leaves `begin` at the comma or semicolon behind it, or at the end.
+Item TakeItem(const std::string& text, std::size_t& begin) {
+  begin = std::min(text.find_first_not_of(" \t", begin), text.size());
+  if (text[begin] != '\'') {
+    const std::size_t end = std::min(text.find_first_of(",;", begin), text.size());
+    const std::string item = text.substr(begin, end - begin);
+    begin = end;
+    return {QeltaStringUtil::Trim(item), false};
   }
-  return std::nullopt;
-}
-
-FED_OnfCategoryId FindCategory(const std::string& name) {
-  std::vector<std::string> names;
-  for (const FED_OnfCategoryInfo& category : FED_OnfInfoPool::GetAllCategories()) {
-    names.push_back(category.name);
-    if (IsSameName(category.name, name)) return category.category;
+  Item item{TakeQuoted(text, ++begin), true};
+  begin = std::min(text.find_first_not_of(" \t", begin), text.size());
+  if (begin < text.size() && text[begin] != ',' && text[begin] != ';') {
+    ThrowUsage("310000000711", "Something stands behind a closing quote in '" + text + "'.");
   }
-  ThrowUsage("310000000702", "There is no category '" + name + "'." + Suggest(name, names));
+  return item;
 }
 
-int RequireKind(const std::string& text) {
-  const std::optional<int> number = ToInteger(text);
-  if (number && FED_OnfInfoPool::ExistsOnfBlock(*number)) return *number;
-  std::vector<std::string> names;
-  if (const std::optional<int> kind = FindKind(text, names)) return *kind;
-  ThrowUsage("310000000703", "There is no block kind '" + text + "'." + Suggest(text, names));
-}
-
-int RequireValue(Key::ResultIndex field, const std::string& text) {
-  if (field == Key::ONF) return RequireKind(text);
-  const Key::NameAndType& info = Info(field);
-  const std::optional<int> value = ToInteger(text);
-  if (!value) {
-    ThrowUsage("310000000704",
-               FED_MESSAGE("%s takes an integer, not '%s'. The forms are N, N.., ..N, max, min, ? "
-                           "(present) and ! (missing).",
-                           info.name.c_str(), text.c_str()));
+// `*` stands for any letters, `?` for any one.
+bool MatchesGlob(const std::string& text, const std::string& glob) {
+  std::size_t i = 0, g = 0, star = std::string::npos, resume = 0;
+  while (i < text.size()) {
+    if (g < glob.size() && glob[g] == '*') {
+      star = g++;
+      resume = i;
+    } else if (g < glob.size() && (glob[g] == '?' || glob[g] == text[i])) {
+      ++g;
+      ++i;
+    } else if (star != std::string::npos) {
+      g = star + 1;
+      i = ++resume;
+    } else {
+      return false;
+    }
   }
-  if (*value < info.lowest || *value > info.highest) {
-    ThrowUsage("310000000705", FED_MESSAGE("%s takes values from %d to %d, not %d.",
-                                           info.name.c_str(), info.lowest, info.highest, *value));
+  return glob.find_first_not_of('*', g) == std::string::npos;
+}
+
+void InsertRange(FED_IntSetIntvl<int>& numbers, Key::ResultIndex field, const std::string& text,
+                 std::size_t dots) {
+  const std::string low = text.substr(0, dots), high = text.substr(dots + 2);
+  if (low.empty() && high.empty()) {
+    ThrowUsage("310000000712", "'..' is no range; " + NameOf(field) + "=? asks for any value.");
   }
-  return *value;
+  const int first = low.empty() ? std::numeric_limits<int>::min() : ParseFieldBound(field, low);
+  const int last = high.empty() ? std::numeric_limits<int>::max() : ParseFieldBound(field, high);
+  if (first > last) {
+    ThrowUsage("310000000706", "The range " + NameOf(field) + "=" + text + " is empty.");
+  }
+  numbers.Insert(first, last);
 }
 
-// A bound of the kinds need not be the number of one.
-int RequireBound(Key::ResultIndex field, const std::string& text) {
-  const std::optional<int> number = ToInteger(text);
-  return field == Key::ONF && number ? *number : RequireValue(field, text);
-}
-
-void SetInteger(FED_DataDescriptorPattern& pattern, Key::ResultIndex field,
-                const std::string& text) {
+void InsertItem(FED_IntSetIntvl<int>& numbers, Key::ResultIndex field, const std::string& text) {
   const std::size_t dots = text.find("..");
-  if (IsSameName(text, "max")) {
-    pattern.SetMatchHighest(field);
-  } else if (IsSameName(text, "min")) {
-    pattern.SetMatchLowest(field);
-  } else if (field == Key::ONF && text.substr(0, 1) == "@") {
-    pattern.SetMatchCategory(FindCategory(text.substr(1)));
-  } else if (dots == std::string::npos) {
-    pattern.SetMatchExact(field, RequireValue(field, text));
-  } else if (dots == 0) {
-    pattern.SetMatchLessEqual(field, RequireBound(field, text.substr(2)));
-  } else if (dots + 2 == text.size()) {
-    pattern.SetMatchGreaterEqual(field, RequireBound(field, text.substr(0, dots)));
+  if (field == Key::ONF && text.substr(0, 1) == "@") {
+    const QeltaKindRange range = ParseCategory(text.substr(1));
+    numbers.Insert(range.first, range.last);
+  } else if (dots != std::string::npos) {
+    InsertRange(numbers, field, text, dots);
   } else {
-    ThrowUsage("310000000706", FED_MESSAGE("%s=%s has two bounds; one is possible: %s=N.. or "
-                                           "%s=..N.",
-                                           Info(field).name.c_str(), text.c_str(),
-                                           Info(field).name.c_str(), Info(field).name.c_str()));
+    numbers.Insert(ParseFieldValue(field, text));
   }
 }
 
-void SetEntry(FED_DataDescriptorPattern& pattern, Key::ResultIndex field, const std::string& text) {
-  if (text == "?" || text == "!") {
-    pattern.SetMatchIfPresent(field, text == "?");
-  } else if (Info(field).type == Key::STRING_FIELD) {
-    pattern.SetMatchExact(field, text);
-  } else {
-    SetInteger(pattern, field, text);
-  }
+using Group = std::pair<bool, int>;
+
+Group GroupOf(const Key& key, std::optional<Key::ResultIndex> field) {
+  const bool isGiven = field && key.Has(*field);
+  return {isGiven, isGiven ? key.GetInteger(*field) : 0};
 }
 
 }  // namespace
 
-FED_DataDescriptorPattern ParsePatternTexts(const std::vector<std::string>& texts) {
-  FED_DataDescriptorPattern pattern;
-  std::set<Key::ResultIndex> fields;
-  for (const std::string& text : texts) {
-    const std::size_t sign = text.find('=');
-    if (sign == std::string::npos) {
+struct QeltaPatternText::Condition {
+  Field field;
+  bool isGlob;
+  std::vector<Item> items;
+
+  /// The one value that is not quoted; empty when there is none.
+  std::string Word() const {
+    return items.size() == 1 && !items[0].isQuoted ? items[0].text : std::string();
+  }
+};
+
+QeltaPatternText::QeltaPatternText(const std::vector<std::string>& texts) : QeltaPatternText() {
+  for (const std::string& text : texts) Add(text);
+}
+
+void QeltaPatternText::Add(const std::string& text) {
+  for (std::size_t begin = 0; begin <= text.size(); ++begin) {
+    const std::size_t sign = text.find_first_of("=~;", begin);
+    if (sign == std::string::npos || text[sign] == ';') {
       ThrowUsage("310000000707", "'" + text + "' is no selection; the form is FIELD=VALUE.");
     }
-    const Key::ResultIndex field = FindField(text.substr(0, sign));
-    if (!fields.insert(field).second) {
-      ThrowUsage("310000000708", Info(field).name + " is selected twice.");
-    }
-    SetEntry(pattern, field, text.substr(sign + 1));
+    const std::string name = QeltaStringUtil::Trim(text.substr(begin, sign - begin));
+    Condition condition{ParseFieldName(name), text[sign] == '~', {}};
+    begin = sign;
+    do {
+      condition.items.push_back(TakeItem(text, ++begin));
+    } while (begin < text.size() && text[begin] == ',');
+    Add(condition);
   }
-  return pattern;
+}
+
+void QeltaPatternText::Add(const Condition& condition) {
+  const std::string word = condition.Word();
+  if (condition.isGlob || IsText(condition.field)) {
+    if (!condition.isGlob && (word == "?" || word == "!")) {
+      PlainFor(condition.field).SetMatchIfPresent(condition.field, word == "?");
+    } else {
+      AddTexts(condition);
+    }
+  } else if (word == "?" || word == "!") {
+    PlainFor(condition.field).SetMatchIfPresent(condition.field, word == "?");
+  } else if (!AddExtreme(condition)) {
+    AddNumbers(condition);
+  }
+}
+
+void QeltaPatternText::AddNumbers(const Condition& condition) {
+  const Field field = condition.field;
+  const std::string word = condition.Word();
+  FED_IntSetIntvl<int> numbers;
+  for (const Item& item : condition.items) InsertItem(numbers, field, item.text);
+  if (field == Key::ONF && word.substr(0, 1) == "@") {
+    PlainFor(field).SetMatchCategory(ParseCategory(word.substr(1)).category);
+  } else if (numbers.Size() == 1) {
+    PlainFor(field).SetMatchExact(field, numbers.begin()->lo);
+  } else {
+    m_Tests.emplace_back([field, numbers = std::move(numbers)](const Key& key) {
+      return key.Has(field) && numbers.Contains(key.GetInteger(field));
+    });
+  }
+}
+
+void QeltaPatternText::AddTexts(const Condition& condition) {
+  const Field field = condition.field;
+  if (!IsText(field)) {
+    ThrowUsage("310000000708", NameOf(field) + " holds a number, which ~ cannot test; write " +
+                                   NameOf(field) + "=10..20 or " + NameOf(field) + "=1,3,7.");
+  }
+  if (!condition.isGlob && condition.items.size() == 1) {
+    PlainFor(field).SetMatchExact(field, condition.items[0].text);
+    return;
+  }
+  m_Tests.emplace_back([field, isGlob = condition.isGlob, items = condition.items](const Key& key) {
+    const std::string text = key.Has(field) ? key.GetString(field) : std::string();
+    return key.Has(field) && std::any_of(items.begin(), items.end(), [&](const Item& item) {
+             return isGlob ? MatchesGlob(text, item.text) : text == item.text;
+           });
+  });
+}
+
+// False when the condition asks for no extreme.
+bool QeltaPatternText::AddExtreme(const Condition& condition) {
+  const std::string word = condition.Word();
+  const std::size_t slash = std::min(word.find('/'), word.size());
+  const std::string which = word.substr(0, slash);
+  if (!IsSameName(which, "max") && !IsSameName(which, "min")) return false;
+  std::optional<Field> group;
+  if (slash < word.size()) group = ParseFieldName(word.substr(slash + 1));
+  m_Extremes.push_back({condition.field, IsSameName(which, "max"), group});
+  return true;
+}
+
+// A pattern has one test for each field.
+FED_DataDescriptorPattern& QeltaPatternText::PlainFor(Field field) {
+  if (!m_PlainFields.insert(field).second) {
+    m_Plain.emplace_back();
+    m_PlainFields = {field};
+  }
+  return m_Plain.back();
+}
+
+std::vector<Key> QeltaPatternText::SelectPlain(std::vector<Key> keys) const {
+  for (const FED_DataDescriptorPattern& pattern : m_Plain) keys = pattern.Match(keys);
+  const auto isRejected = [this](const Key& key) {
+    return !std::all_of(m_Tests.begin(), m_Tests.end(),
+                        [&](const auto& test) { return test(key); });
+  };
+  keys.erase(std::remove_if(keys.begin(), keys.end(), isRejected), keys.end());
+  return keys;
+}
+
+bool QeltaPatternText::Accepts(const Key& key) const { return !SelectPlain({key}).empty(); }
+
+std::vector<Key> QeltaPatternText::Select(std::vector<Key> keys) const {
+  keys = SelectPlain(std::move(keys));
+  for (const Extreme& extreme : m_Extremes) {
+    std::map<Group, int> best;
+    for (const Key& key : keys) {
+      if (!key.Has(extreme.field)) continue;
+      const int value = key.GetInteger(extreme.field);
+      int& known = best.try_emplace(GroupOf(key, extreme.group), value).first->second;
+      known = extreme.isHighest ? std::max(known, value) : std::min(known, value);
+    }
+    const auto isLess = [&](const Key& key) {
+      return !key.Has(extreme.field) ||
+             key.GetInteger(extreme.field) != best.at(GroupOf(key, extreme.group));
+    };
+    keys.erase(std::remove_if(keys.begin(), keys.end(), isLess), keys.end());
+  }
+  return keys;
+}
+
+std::vector<Key> QeltaPatternText::Select(const FED_Database& database) const {
+  return Select(database.FindBlocks(m_Plain.front()));
 }
 
 }  // namespace qelta

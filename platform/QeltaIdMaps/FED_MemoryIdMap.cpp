@@ -64,6 +64,19 @@ void FED_MemoryIdMap::Add(const std::int32_t* ids, const std::string* names, std
   }
 }
 
+void FED_MemoryIdMap::AddConsecutive(std::int32_t firstId, std::size_t count,
+                                     std::int64_t firstIndex) {
+  CheckRange(&firstId, count, firstIndex);
+  if (count == 0) return;
+  const std::int64_t greatest = std::numeric_limits<std::int32_t>::max();
+  if (count - 1 > static_cast<std::uint64_t>(greatest - firstId)) {
+    FED_Failure::Throw(
+        "110000000215", kLocation, "The %s cannot register %Iu ids from %d on; ids end at %lld.",
+        Title().c_str(), static_cast<std::uint64_t>(count), firstId, Printable(greatest));
+  }
+  AddRun({firstIndex, firstId, static_cast<std::uint32_t>(count)});
+}
+
 std::size_t FED_MemoryIdMap::GetCount() const { return m_Pairs->GetCount(); }
 
 std::size_t FED_MemoryIdMap::GetNameCount() const { return m_Names->GetCount(); }

@@ -54,6 +54,10 @@ class QELTA_EXPORT FED_MemoryIdMap : public FED_IdMap {
   void Add(const std::int32_t* ids, const std::string* names, std::size_t count,
            std::int64_t firstIndex = 0);
 
+  /// Registers firstId, firstId + 1, ... at as many indices from firstIndex on; at once where all
+  /// of them are new.
+  void AddConsecutive(std::int32_t firstId, std::size_t count, std::int64_t firstIndex);
+
   /// Number of entities.
   std::size_t GetCount() const;
 

@@ -227,6 +227,7 @@ void Compare(FED_IdType type, const Entities& stored, const FED_IdMap& map) {
 
 void FillIds(const std::vector<Run>& runs, FED_MemoryIdMap& map) {
   constexpr std::size_t kMost = std::size_t{1} << 20;
+  constexpr std::int64_t kLong = 1024;
   std::vector<std::int32_t> ids;
   std::int64_t first = runs.front().index;
   const auto flush = [&](std::int64_t next) {
@@ -236,6 +237,12 @@ void FillIds(const std::vector<Run>& runs, FED_MemoryIdMap& map) {
   };
   for (const Run& run : runs) {
     if (first + static_cast<std::int64_t>(ids.size()) != run.index) flush(run.index);
+    if (run.length >= kLong) {
+      flush(run.index + run.length);
+      map.AddConsecutive(static_cast<std::int32_t>(run.id), static_cast<std::size_t>(run.length),
+                         run.index);
+      continue;
+    }
     for (std::int64_t i = 0; i < run.length; ++i) {
       if (ids.size() == kMost) flush(run.index + i);
       ids.push_back(static_cast<std::int32_t>(run.id + i));

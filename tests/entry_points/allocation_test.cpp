@@ -136,6 +136,9 @@ TEST_F(CompanionAllocations, FailingOnesBecomeAStatus) {
   const FED_DataDescriptorPattern everything;
   Run("find", [&] { Database_FindBlocks_F(m_Database, &everything, &list, &m_Status); });
   EXPECT_EQ(list.GetCount(), 102u);
+  Run("select", [&] {
+    Database_SelectBlocks_F(m_Database, "LABEL=?,nothing; STATE=max/LOADCASE", &list, &m_Status);
+  });
   FED_IntArray* array = nullptr;
   const std::int32_t one = 1;
   const std::int64_t size = 1;

@@ -123,7 +123,8 @@ contains
     integer, parameter :: modes(6) = [match_exact, match_present, match_missing, match_less_eq, &
                                       match_greater_eq, match_category]
     integer, parameter :: fields(4) = [qelta_iteration, qelta_loadcase, qelta_layer, qelta_onf]
-    integer :: m, f, i, value, expected
+    character(1100) :: message
+    integer :: m, f, i, value, expected, status
     call fill(db, keys)
     do m = 1, size(modes)
       do f = 1, size(fields)
@@ -153,6 +154,15 @@ contains
     call check(size(found) == 1, 'one key has the extremes')
     call check(found(1) == qelta_descriptor(iteration=4, onf=onf_displacement, loadcase=1), &
                'the extremes: '//found(1)%text())
+    call db%select_blocks('ONF=displacement; ITERATION=max; LOADCASE=min', found)
+    call check(size(found) == 1, 'one key has the extremes of the text')
+    call check(found(1) == qelta_descriptor(iteration=4, onf=onf_displacement, loadcase=1), &
+               'the same extremes: '//found(1)%text())
+    call db%select_blocks(' ', found)
+    call check(size(found) == size(keys), 'an empty text selects all')
+    call db%select_blocks('LABL=x', found, status, message)
+    call check(status /= qelta_ok .and. index(message, 'Did you mean LABEL?') > 0, trim(message))
+    call check(size(found) == size(keys), 'a failure changes nothing')
     call db%find_blocks(qelta_pattern(label='nothing'), found)
     call check(size(found) == 0, 'nothing is found by another label')
   end subroutine

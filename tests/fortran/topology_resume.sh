@@ -26,8 +26,8 @@ grep -q 'other parameters' refused.txt
 same_as whole parts
 
 "$1" 40 16 30 file long >long.txt
-GFORTRAN_UNBUFFERED_ALL=y "$1" 40 16 30 file killed >first.txt &
-until grep -q '^ *4 ' first.txt; do sleep 0.01; done
+GFORTRAN_UNBUFFERED_ALL=y "$1" 40 16 30 file killed >started.txt &
+until grep -qs '^ *4 ' started.txt; do sleep 0.01; done
 kill -9 $!
 wait $! 2>/dev/null || true
 "$1" 40 16 30 file killed --resume >killed.txt

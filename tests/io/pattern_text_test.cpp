@@ -1,3 +1,5 @@
+#include <FED_MemoryDatabase.h>
+#include <QeltaFieldText.h>
 #include <gtest/gtest.h>
 
 #include "FailureMatcher.h"
@@ -7,74 +9,164 @@ namespace qelta::test {
 namespace {
 
 using Key = FED_DataDescriptor;
-using Pattern = FED_DataDescriptorPattern;
+using Keys = std::vector<Key>;
+
+// A grid of keys with holes, so that every condition selects some and leaves some.
+Keys MakeKeys() {
+  Keys keys;
+  for (int i = 0; i < 240; ++i) {
+    Key key(i % 5 == 0 ? ONF_NODAL_STRESS : i % 5 == 1 ? ONF_ELEMENT_STRESS : ONF_DISPLACEMENT);
+    if (i % 7 != 0) key.SetInteger(Key::ITERATION, i / 12);
+    if (i % 3 != 0) key.SetInteger(Key::LOADCASE, 1 + i % 4);
+    if (i % 11 != 0) key.SetInteger(Key::STATE, i % 13);
+    if (i % 6 != 0)
+      key.SetString(Key::LABEL, i % 2 == 0 ? "STRESS" : i % 9 == 0 ? "a, 'b'" : "DISP");
+    keys.push_back(key);
+  }
+  return keys;
+}
+
+template <class Test>
+Keys Where(const Keys& keys, Test test) {
+  Keys found;
+  std::copy_if(keys.begin(), keys.end(), std::back_inserter(found), test);
+  return found;
+}
+
+bool Is(const Key& key, Key::ResultIndex field, int low, int high) {
+  return key.Has(field) && low <= key.GetInteger(field) && key.GetInteger(field) <= high;
+}
+
+bool IsText(const Key& key, const std::string& text) {
+  return key.Has(Key::LABEL) && key.GetString(Key::LABEL) == text;
+}
+
+// No other key that is left, of the same LOADCASE if `grouped`, has a higher one.
+Keys Highest(const Keys& keys, Key::ResultIndex field, bool grouped) {
+  return Where(keys, [&](const Key& key) {
+    return key.Has(field) && std::none_of(keys.begin(), keys.end(), [&](const Key& other) {
+             const bool isAlike = other.Has(Key::LOADCASE) == key.Has(Key::LOADCASE) &&
+                                  (!key.Has(Key::LOADCASE) || other.GetInteger(Key::LOADCASE) ==
+                                                                  key.GetInteger(Key::LOADCASE));
+             return other.Has(field) && (!grouped || isAlike) &&
+                    other.GetInteger(field) > key.GetInteger(field);
+           });
+  });
+}
 
 struct Case {
   const char* text;
-  void (*set)(Pattern&);
+  bool (*test)(const Key&);
 };
 
-class PatternText : public testing::TestWithParam<Case> {};
-
-TEST_P(PatternText, IsRead) {
-  Pattern expected;
-  GetParam().set(expected);
-  EXPECT_EQ(ParsePatternTexts({GetParam().text}).ToString(), expected.ToString());
+TEST(PatternText, TestsOneKeyAlone) {
+  const Case cases[] = {
+      {"STATE=2", [](const Key& k) { return Is(k, Key::STATE, 2, 2); }},
+      {" state = 2 ", [](const Key& k) { return Is(k, Key::STATE, 2, 2); }},
+      {"ITERATION=10..12", [](const Key& k) { return Is(k, Key::ITERATION, 10, 12); }},
+      {"ITERATION=10..", [](const Key& k) { return Is(k, Key::ITERATION, 10, 99); }},
+      {"ITERATION=..10", [](const Key& k) { return Is(k, Key::ITERATION, -1, 10); }},
+      {"STATE=1,3,8..9",
+       [](const Key& k) {
+         return Is(k, Key::STATE, 1, 1) || Is(k, Key::STATE, 3, 3) || Is(k, Key::STATE, 8, 9);
+       }},
+      {"STATE=?", [](const Key& k) { return k.Has(Key::STATE); }},
+      {"STATE=!", [](const Key& k) { return !k.Has(Key::STATE); }},
+      {"LABEL=!", [](const Key& k) { return !k.Has(Key::LABEL); }},
+      {"LABEL=DISP", [](const Key& k) { return IsText(k, "DISP"); }},
+      {"LABEL=STRESS,FORC", [](const Key& k) { return IsText(k, "STRESS"); }},
+      {"LABEL='a, ''b'''", [](const Key& k) { return IsText(k, "a, 'b'"); }},
+      {"LABEL='?'", [](const Key&) { return false; }},
+      {"LABEL~'STR*'", [](const Key& k) { return IsText(k, "STRESS"); }},
+      {"LABEL~*S?", [](const Key& k) { return IsText(k, "DISP") || IsText(k, "STRESS"); }},
+      {"LABEL~D*P,a*", [](const Key& k) { return IsText(k, "DISP") || IsText(k, "a, 'b'"); }},
+      {"LABEL~*", [](const Key& k) { return k.Has(Key::LABEL); }},
+      {"onf=Displacement", [](const Key& k) { return Is(k, Key::ONF, 101, 101); }},
+      {"ONF=101,element_stress", [](const Key& k) { return !Is(k, Key::ONF, 107, 107); }},
+      {"ONF=@nodal", [](const Key& k) { return Is(k, Key::ONF, 100, 199); }},
+      {"ONF=@nodal,@element", [](const Key&) { return true; }},
+      {"ONF=..displacement", [](const Key& k) { return Is(k, Key::ONF, 0, 101); }},
+      {"ONF=-1..150", [](const Key& k) { return Is(k, Key::ONF, 0, 150); }},
+      {"STATE=2..9; STATE=5..; LABEL=DISP",
+       [](const Key& k) { return Is(k, Key::STATE, 5, 9) && IsText(k, "DISP"); }},
+      {"STATE=5; STATE=6", [](const Key&) { return false; }}};
+  const Keys keys = MakeKeys();
+  for (const Case& one : cases) {
+    const QeltaPatternText pattern({one.text});
+    EXPECT_EQ(pattern.Select(keys), Where(keys, one.test)) << one.text;
+    EXPECT_EQ(Where(keys, [&](const Key& key) { return pattern.Accepts(key); }),
+              Where(keys, one.test))
+        << one.text;
+    EXPECT_FALSE(pattern.HasExtremes());
+  }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Forms, PatternText,
-    testing::Values(
-        Case{"LAYER=2", [](Pattern& p) { p.SetMatchExact(Key::LAYER, 2); }},
-        Case{"iteration=-1", [](Pattern& p) { p.SetMatchExact(Key::ITERATION, -1); }},
-        Case{"STATE=5..", [](Pattern& p) { p.SetMatchGreaterEqual(Key::STATE, 5); }},
-        Case{"STATE=..9", [](Pattern& p) { p.SetMatchLessEqual(Key::STATE, 9); }},
-        Case{"ANALYSIS=-3..", [](Pattern& p) { p.SetMatchGreaterEqual(Key::ANALYSIS, -3); }},
-        Case{"Increment=MAX", [](Pattern& p) { p.SetMatchHighest(Key::INCREMENT); }},
-        Case{"INCREMENT=min", [](Pattern& p) { p.SetMatchLowest(Key::INCREMENT); }},
-        Case{"LAYER=?", [](Pattern& p) { p.SetMatchIfPresent(Key::LAYER, true); }},
-        Case{"LABEL=!", [](Pattern& p) { p.SetMatchIfPresent(Key::LABEL, false); }},
-        Case{"LABEL=a=b max", [](Pattern& p) { p.SetMatchExact(Key::LABEL, "a=b max"); }},
-        Case{"OBJECTIVE_ID=max", [](Pattern& p) { p.SetMatchExact(Key::OBJECTIVE_ID, "max"); }},
-        Case{"ONF=displacement", [](Pattern& p) { p.SetMatchExact(Key::ONF, ONF_DISPLACEMENT); }},
-        Case{"onf=107..", [](Pattern& p) { p.SetMatchGreaterEqual(Key::ONF, 107); }},
-        Case{"ONF=..200", [](Pattern& p) { p.SetMatchLessEqual(Key::ONF, 200); }},
-        Case{"ONF=-1..", [](Pattern& p) { p.SetMatchGreaterEqual(Key::ONF, -1); }},
-        Case{"ONF=..displacement",
-             [](Pattern& p) { p.SetMatchLessEqual(Key::ONF, ONF_DISPLACEMENT); }},
-        Case{"ONF=@Nodal", [](Pattern& p) { p.SetMatchCategory(ONF_CATEGORY_NODAL); }}));
-
-TEST(PatternTexts, MustAllHold) {
-  Pattern expected;
-  expected.SetMatchExact(Key::LABEL, "DISP");
-  expected.SetMatchHighest(Key::INCREMENT);
-  EXPECT_EQ(ParsePatternTexts({"LABEL=DISP", "INCREMENT=max"}), expected);
-  EXPECT_EQ(ParsePatternTexts({}), Pattern());
+TEST(PatternText, ExtremesLookAtWhatIsLeft) {
+  const Keys keys = MakeKeys();
+  const Keys stresses = Where(keys, [](const Key& key) { return IsText(key, "STRESS"); });
+  const auto select = [&keys](std::vector<std::string> texts) {
+    return QeltaPatternText(texts).Select(keys);
+  };
+  EXPECT_EQ(select({"ITERATION=MAX", "LABEL=STRESS"}), Highest(stresses, Key::ITERATION, false));
+  EXPECT_EQ(select({"LABEL=STRESS", "STATE=max/loadcase"}), Highest(stresses, Key::STATE, true));
+  EXPECT_EQ(select({"STATE=max", "ITERATION=max"}),
+            Highest(Highest(keys, Key::STATE, false), Key::ITERATION, false));
+  EXPECT_EQ(select({"ITERATION=max; STATE=max/LOADCASE"}),
+            Highest(Highest(keys, Key::ITERATION, false), Key::STATE, true));
+  EXPECT_EQ(select({"STATE=min"}), select({"STATE=0"}));
+  EXPECT_EQ(select({"STATE=3..5", "STATE=max"}), select({"STATE=5"}));
+  EXPECT_TRUE(select({"LAYER=max"}).empty());
+  EXPECT_TRUE(QeltaPatternText({"STATE=max/LOADCASE"}).HasExtremes());
 }
 
-TEST(PatternTexts, SayWhatIsWrongWithThem) {
-  const std::pair<std::vector<std::string>, const char*> rows[] = {
-      {{"LABEL"}, "the form is FIELD=VALUE"},
-      {{"LABL=x"}, "no field 'LABL'. Did you mean LABEL?"},
-      {{"ZZZZZZ=x"}, "Known are ITERATION, ONF"},
-      {{"=x"}, "no field ''"},
-      {{"ONF=displacment"}, "no block kind 'displacment'. Did you mean DISPLACEMENT?"},
-      {{"ONF=strss"}, "Did you mean NODAL_STRESS?"},
-      {{"ONF=9999"}, "no block kind '9999'"},
-      {{"ONF=200"}, "no block kind '200'"},
-      {{"ONF=.."}, "no block kind ''"},
-      {{"ONF=@nodel"}, "no category 'nodel'. Did you mean nodal?"},
-      {{"LAYER=4"}, "LAYER takes values from 1 to 3, not 4"},
-      {{"LAYER=..0"}, "LAYER takes values from 1 to 3, not 0"},
-      {{"LAYER="}, "LAYER takes an integer, not ''"},
-      {{"STATE=1x"}, "STATE takes an integer, not '1x'"},
-      {{"STATE=.."}, "STATE takes an integer, not ''"},
-      {{"STATE=99999999999"}, "STATE takes an integer"},
-      {{"STATE=1..2"}, "two bounds"},
-      {{"STATE=1", "state=2"}, "STATE is selected twice"}};
-  for (const auto& [texts, message] : rows) {
-    const FED_Failure failure = CatchFailure([&texts = texts] { ParsePatternTexts(texts); });
+TEST(PatternText, SelectsFromADatabase) {
+  FED_MemoryDatabase database;
+  database.InitDb(FED_IdMapsPool(), FED_DatabaseDefs::CREATE, 0, L"");
+  for (const Key& key : MakeKeys()) database.FetchDataBlock(key, std::size_t{0});
+  const Keys all = database.FindBlocks({});
+  for (const char* text : {"LABEL=DISP; ITERATION=max/LOADCASE", "STATE=1..3", "ONF=@nodal"}) {
+    EXPECT_EQ(QeltaPatternText({text}).Select(database), QeltaPatternText({text}).Select(all));
+  }
+  EXPECT_EQ(QeltaPatternText().Select(database), all);
+}
+
+TEST(PatternText, SaysWhatIsWrong) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"", "the form is FIELD=VALUE"},
+      {"LABEL", "the form is FIELD=VALUE"},
+      {"LABEL=x; STATE", "the form is FIELD=VALUE"},
+      {"LABL=x", "no field 'LABL'. Did you mean LABEL?"},
+      {"ZZZZZZ=x", "Known are ITERATION, ONF"},
+      {"=x", "no field ''"},
+      {"LABEL='x", "A quote is not closed"},
+      {"LABEL='x'y", "behind a closing quote"},
+      {"STATE~1*", "holds a number, which ~ cannot test"},
+      {"STATE=max/LABL", "Did you mean LABEL?"},
+      {"ONF=displacment", "no block kind 'displacment'. Did you mean DISPLACEMENT?"},
+      {"ONF=strss", "Did you mean NODAL_STRESS?"},
+      {"ONF=9999", "no block kind '9999'"},
+      {"ONF=@nodel", "no category 'nodel'. Did you mean nodal?"},
+      {"LAYER=4", "LAYER takes values from 1 to 3, not 4"},
+      {"LAYER=..0", "LAYER takes values from 1 to 3, not 0"},
+      {"LAYER=1,,2", "LAYER takes an integer, not ''"},
+      {"STATE=1x", "STATE takes an integer, not '1x'"},
+      {"STATE=..", "STATE=? asks for any value"},
+      {"STATE=99999999999", "STATE takes an integer"},
+      {"STATE=3..2", "The range STATE=3..2 is empty"}};
+  for (const auto& [text, message] : rows) {
+    const FED_Failure failure = CatchFailure([&text = text] { QeltaPatternText({text}); });
     EXPECT_NE(failure.GetMessageText().find(message), std::string::npos) << failure.what();
+  }
+}
+
+TEST(KeyChanges, SetAndRemoveFields) {
+  Key key(ONF_DISPLACEMENT);
+  key.SetInteger(Key::STATE, 3);
+  QeltaKeyChanges({"iteration=12", "LABEL=a=b", "STATE=!", "ONF=velocity"}).ApplyTo(key);
+  EXPECT_EQ(key.ToString(), "ITERATION=12/ONF=102/LABEL=a=b");
+  EXPECT_TRUE(QeltaKeyChanges().IsEmpty());
+  for (const char* text : {"STATE", "LAYER=4", "LABL=x"}) {
+    CatchFailure([text] { QeltaKeyChanges({text}); });
   }
 }
 

@@ -1,41 +1,9 @@
 #!/bin/sh
 # The tool as its user meets it: exit codes, what goes to which stream, 80 columns.
 # Arguments: the tool, a result file in text form, the same results in binary form.
-set -u
-qelta=$1
+. "$(dirname "$0")/harness.sh"
 text=$2
 binary=$3
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
-out=$folder/out
-err=$folder/err
-status=0
-
-fail() {
-  echo "FAILED: $1"
-  sed 's/^/  out: /' "$out"
-  sed 's/^/  err: /' "$err"
-  status=1
-}
-
-# expect CODE ARGUMENT...: runs the tool; what it prints stays in $out and $err.
-expect() {
-  code=$1
-  shift
-  "$qelta" "$@" >"$out" 2>"$err"
-  got=$?
-  [ $got -eq "$code" ] || fail "qelta $* gave $got, not $code"
-  # A failure is one line on standard error and nothing on standard output.
-  if [ "$code" -ge 2 ]; then
-    [ ! -s "$out" ] || fail "qelta $* printed results before it failed"
-    { [ "$(wc -l <"$err")" -eq 1 ] && grep -q '^qelta: ' "$err"; } || fail "qelta $*: no one-line error"
-  else
-    [ ! -s "$err" ] || fail "qelta $* complained"
-  fi
-}
-prints() { grep -qF -- "$1" "$out" || fail "'$1' was not printed"; }
-complains() { grep -qF -- "$1" "$err" || fail "no complaint about '$1'"; }
-counts() { [ "$(wc -l <"$out")" -eq "$1" ] || fail "not $1 lines"; }
 
 expect 0 info "$text"
 prints "54 nodes, 16 elements (16 hex8)"
@@ -64,9 +32,66 @@ prints "1 2 11 10 28 29 38 37"
 expect 0 show "$text" -w ONF=element_attributes --id 16
 prints "STEEL"
 expect 1 show "$text" -w LAYER=1
+expect 0 show "$text" -w LABEL=STRESS -w INCREMENT=max/LOADCASE -w SUBSTEP=4 --rows 1..2 --fields stress.xy
+[ "$(awk 'NR > 3 { print NF, $1 }' "$out" | xargs)" = "2 2 2 3" ] || fail "not xy of rows 1 and 2"
+expect 0 show "$text" -w ONF=element_attributes --head 1 --format jsonl
+prints '{"descriptor":"ONF=11","index":0,"id":1,"GROUP":"GROUP_0","MATERIAL":"STEEL"}'
+expect 0 show "$text" -w LABEL=DISP -w SUBSTEP=1 --id 2..3 --format csv
+[ "$(head -1 "$out")" = "index,id,DISPLACEMENT.x,DISPLACEMENT.y,DISPLACEMENT.z" ] || fail "csv header"
+counts 3
+prints "1,2,-0.0144358,-0.0018476199999999999,-0.0354381"
+
+expect 0 ls "$text" --count
+prints 48
+expect 0 ls "$text" -w LABEL=DISP --sort substep --reverse --columns SUBSTEP,kind --format csv
+[ "$(sed -n 2p "$out")" = "8,MODE_SHAPE" ] || fail "not sorted"
+expect 0 ls "$text" --group-by kind
+grep -q 'NODAL_STRESS  *8  *432  *20736' "$out" || fail "no sums of stresses"
+expect 0 ls "$text" -w ONF=2 --format jsonl
+prints '{"descriptor":"ONF=2","fields":{"ONF":2},"onf":2,"kind":"NODE_COORDINATES","records":54,"bytes":1296,"format":"I|V"}'
+expect 1 ls "$text" -w LAYER=1 --format json
+prints "[]"
+
+expect 0 stats "$text" -w LABEL=STRESS -w INCREMENT=max
+grep -q 'STRESS.mises  *33.0499  *18  *474.936  *29 ' "$out" || fail "no von Mises stress"
+expect 0 stats "$text" -w LABEL=DISP -w ONF=displacement --by INCREMENT --format csv
+counts 17
+
+expect 0 diff "$text" "$text" --only-different
+counts 1
+expect 0 diff "$text" "$binary" --rel 1e-5 --abs 1e-5
+expect 1 diff "$text" "$binary" --rel 1e-7 -w LABEL=STRESS -w SUBSTEP=7 --format jsonl
+prints '"state":"different"'
+prints 'node '
+expect 1 diff "$text" "$binary" -w LABEL=DISP -w SUBSTEP=7 --tol STRESS=1
+expect 0 diff "$text" "$binary" -w LABEL=DISP -w SUBSTEP=7 --tol DISP=1e-3
+
+expect 0 import "$text" "$folder/new.db" --latest --set ITERATION=7 --dry-run
+counts 11
+prints "ITERATION=7/ONF=114/STATE=4/LOADCASE=2"
+expect 0 copy "$text" "$folder/new.db" -w LABEL=DISP --dry-run
+prints "would copy 8 blocks"
+[ ! -e "$folder/new.db" ] || fail "a dry run made a database"
+printf 'id,u.x,u.y,u.z\n3,1,2,3\n' >"$folder/loads.csv"
+expect 0 import "$folder/loads.csv" "$folder/new.db" --set ID_TYPE=0 --dry-run
+prints "1 record as LABEL=loads/ID_TYPE=0"
 "$qelta" show "$text" -w LABEL=FORC -w INCREMENT=max --id 1,99 >"$out" 2>"$err" || fail "show with one unknown id"
 complains "no record of node 99"
 
+for command in info ls find show stats diff import copy rm verify salvage compact backup completion help; do
+  expect 0 $command --help
+  prints "Examples:"
+  awk 'length > 80 { exit 1 }' "$out" || fail "help of $command is wider than 80 columns"
+  cp "$out" "$folder/help"
+  expect 0 help $command
+  diff "$out" "$folder/help" >/dev/null || fail "help $command differs from $command --help"
+  expect 0 help --man $command
+  prints ".TH qelta-$command 1"
+done
+expect 0 help pattern
+prints "INCREMENT=max/LOADCASE"
+expect 0 completion bash
+grep -q "ls) options='.*--group-by" "$out" || fail "no completion of options"
 expect 0 --help
 prints "Exit codes"
 expect 0 --version
@@ -87,9 +112,22 @@ complains "Did you mean LABEL?"
 expect 2 find "$folder/missing.frd" -w LAYER=7
 complains "from 1 to 3"
 
+expect 2 find "$text" -w STATE=3..2
+expect 2 ls "$text" --sort LABL
+complains "Did you mean LABEL?"
+expect 2 ls "$text" --format xml
+expect 2 show "$text" --id 1x
+expect 2 stats "$text" --by foo
+expect 2 diff "$text" "$text" --tol STRESS
+expect 2 diff "$text" "$text" --rel -1
+expect 2 import "$text" "$folder/new.db" --follow --latest
+expect 2 import "$text" "$folder/new.db" --set ITERATION=x
+expect 2 rm "$folder/new.db"
+expect 2 help nothing
+expect 3 import "$folder/missing.csv" "$folder/new.db"
+
 expect 3 info "$folder/missing.frd"
 expect 3 info "$folder"
-complains "is a directory"
 : >"$folder/empty.frd"
 expect 3 info "$folder/empty.frd"
 complains "empty.frd is empty."
@@ -131,4 +169,4 @@ if [ -w /dev/full ]; then
   "$qelta" info "$text" >/dev/full 2>"$err"
   [ $? -eq 4 ] || fail "a full device gives 4"
 fi
-exit $status
+exit "$status"

@@ -8,7 +8,7 @@
 namespace qelta {
 namespace {
 
-int Find(const Selection& selection) {
+int Find(Selection& selection) {
   const std::vector<FED_DataDescriptor> found = selection.Find();
   for (const FED_DataDescriptor& key : found) Console::Print(key.ToString() + "\n");
   return found.empty() ? EXIT_NOTHING_FOUND : EXIT_DONE;
@@ -19,8 +19,12 @@ int Find(const Selection& selection) {
 void AddFindCommand(CLI::App& app, Action& action) {
   const auto selection = std::make_shared<Selection>();
   CLI::App* const command =
-      app.add_subcommand("find", "List the blocks of a result file that a selection picks");
+      app.add_subcommand("find", "Print the keys of the selected blocks, one a line");
   selection->AddTo(*command);
+  command->footer(
+      "Examples:\n"
+      "  qelta find job.frd\n"
+      "  qelta find run.db -w LABEL=DISP -w INCREMENT=max/LOADCASE");
   command->callback([&action, selection] { action = [selection] { return Find(*selection); }; });
 }
 

@@ -1,6 +1,8 @@
+#include <FED_IdMapsPool.h>
 #include <FED_Message.h>
-#include <FED_OnfInfoPool.h>
+#include <FED_OnfMetaData.h>
 #include <FrdSummary.h>
+#include <QeltaBlockListing.h>
 #include <QeltaKeyValues.h>
 #include <QeltaNames.h>
 
@@ -9,22 +11,26 @@
 #include <string>
 #include <vector>
 
+#include "BlockColumns.h"
 #include "Commands.h"
 #include "Console.h"
+#include "Databases.h"
 #include "ExitCode.h"
+#include "Progress.h"
+#include "Selection.h"
 #include "Table.h"
 
 namespace qelta {
 namespace {
 
 using Key = FED_DataDescriptor;
-using Block = QeltaCountingSink::Block;
 
 constexpr std::size_t kLongList = 200;
 
 struct Options {
   std::string file;
   bool acceptRunningJob = false;
+  bool showProgress = true;
 };
 
 std::string Number(std::uint64_t number) { return std::to_string(number); }
@@ -40,17 +46,6 @@ std::string Shorten(const std::string& list, std::size_t limit) {
   const std::string end = ", ..." + list.substr(last);
   const std::size_t cut = list.rfind(", ", limit - std::min(limit, end.size()));
   return cut == std::string::npos ? list : list.substr(0, cut) + end;
-}
-
-// Four equal fields and more are counted: "I|60d".
-std::string ShortFormat(const std::string& format) {
-  std::string text;
-  for (std::size_t begin = 0, end = 0; begin < format.size(); begin = end) {
-    end = std::min(format.find_first_not_of(format[begin], begin), format.size());
-    const std::size_t count = end - begin;
-    text += count < 4 ? format.substr(begin, count) : Number(count) + format[begin];
-  }
-  return text;
 }
 
 std::string Mesh(const FrdFileSummary& summary) {
@@ -99,7 +94,8 @@ void PrintFile(const Options& options, const FrdFileSummary& summary) {
     add("note",
         Count(summary.nodesWithoutCoordinates, "node") + " with results but without coordinates");
   }
-  Console::Print(options.file + "\n" + table.ToString());
+  Console::PrintBold(options.file + "\n");
+  table.Print();
 }
 
 const char* AnalysisName(FrdAnalysis analysis) {
@@ -140,12 +136,13 @@ void PrintSteps(const std::vector<FrdStepSummary>& steps) {
   if (steps.empty()) return;
   Table table({Table::Align::Right, Table::Align::Left, Table::Align::Left, Table::Align::Left,
                Table::Align::Left, Table::Align::Left});
-  table.Add({"step", "analysis", "frames", "increments", "modes", "values"});
+  table.AddTitles({"step", "analysis", "frames", "increments", "modes", "values"});
   for (const FrdStepSummary& step : steps) {
     table.Add({step.step ? std::to_string(*step.step) : "", AnalysisName(step.analysis),
                Cell(step.frames), Cell(step.increments), Cell(step.modes), ValueRange(step)});
   }
-  Console::Print("\nSteps\n" + table.ToString());
+  Console::PrintBold("\nSteps\n");
+  table.Print();
 }
 
 struct KindRow {
@@ -157,22 +154,19 @@ struct KindRow {
   std::uint64_t records;
 };
 
-KindRow MakeRow(const Block& block) {
-  KindRow row{0, "(custom)", {}, block.format, 1, block.recordCount};
-  if (block.key.Has(Key::ONF)) {
-    const FED_OnfMetaData& kind =
-        FED_OnfInfoPool::GetOnfInfo(static_cast<FED_OnfId>(block.key.GetInteger(Key::ONF)));
-    row.onf = kind.onfId;
-    row.kind = kind.name;
-    row.format = kind.format;
-  }
-  if (block.key.Has(Key::LABEL)) row.label = block.key.GetString(Key::LABEL);
-  return row;
+KindRow MakeRow(const QeltaBlockInfo& block) {
+  const bool hasLabel = block.key.Has(Key::LABEL);
+  return {block.kind->onfId,
+          block.KindName(),
+          hasLabel ? block.key.GetString(Key::LABEL) : "",
+          block.kind->format,
+          1,
+          block.records};
 }
 
-std::vector<KindRow> GroupByKind(const std::vector<Block>& blocks) {
+std::vector<KindRow> GroupByKind(const std::vector<QeltaBlockInfo>& blocks) {
   std::vector<KindRow> rows;
-  for (const Block& block : blocks) {
+  for (const QeltaBlockInfo& block : blocks) {
     const KindRow row = MakeRow(block);
     const auto known = std::find_if(rows.begin(), rows.end(), [&row](const KindRow& other) {
       return other.kind == row.kind && other.label == row.label && other.format == row.format;
@@ -189,37 +183,78 @@ std::vector<KindRow> GroupByKind(const std::vector<Block>& blocks) {
   return rows;
 }
 
-void PrintBlocks(const std::vector<Block>& blocks) {
+void PrintBlocks(const std::vector<QeltaBlockInfo>& blocks) {
   Table table({Table::Align::Right, Table::Align::Left, Table::Align::Left, Table::Align::Left,
                Table::Align::Right, Table::Align::Right});
-  table.Add({"ONF", "kind", "label", "format", "blocks", "records"});
+  table.AddTitles({"ONF", "kind", "label", "format", "blocks", "records"});
   for (const KindRow& row : GroupByKind(blocks)) {
     table.Add({row.onf == 0 ? "" : std::to_string(row.onf), row.kind, row.label,
                ShortFormat(row.format), Number(row.blocks), Number(row.records)});
   }
-  Console::Print("\n" + Count(blocks.size(), "block") + "\n" + table.ToString());
+  Console::PrintBold("\n" + Count(blocks.size(), "block") + "\n");
+  if (!blocks.empty()) table.Print();
 }
 
-void PrintFields(const std::vector<Block>& blocks) {
+void PrintFields(const std::vector<QeltaBlockInfo>& blocks) {
   std::vector<Key> keys;
   keys.reserve(blocks.size());
-  for (const Block& block : blocks) keys.push_back(block.key);
+  for (const QeltaBlockInfo& block : blocks) keys.push_back(block.key);
   Table table({Table::Align::Left, Table::Align::Left});
   for (std::size_t i = 0; i < Key::FIELD_COUNT; ++i) {
     const std::string values = Shorten(DescribeValues(keys, Key::CastIndex(i)), kLongList);
     if (!values.empty()) table.Add({Key::RD_NAME_TYPE_ITEMS[i].name, values});
   }
-  Console::Print("\nValues of the descriptor fields\n" + table.ToString());
+  if (table.IsEmpty()) return;
+  Console::PrintBold("\nValues of the descriptor fields\n");
+  table.Print();
+}
+
+void PrintIds(const FED_IdMapsPool& maps) {
+  Table table({Table::Align::Left, Table::Align::Right});
+  for (int type = ID_TYPE_NODE; type < ID_TYPE_RECORD_INDEX; ++type) {
+    const FED_IdMap& map = maps.GetMap(static_cast<FED_IdType>(type));
+    const auto count = static_cast<std::uint64_t>(map.GetMaxIndex() + 1);
+    if (count > 0) table.Add({FED_ID_TYPE_INFO[type].name, Number(count)});
+  }
+  if (table.IsEmpty()) return;
+  Console::PrintBold("\nEntities with ids\n");
+  table.Print();
+}
+
+void PrintDatabase(const Options& options) {
+  const auto database = OpenDatabase(options.file, FED_DatabaseDefs::READ_ONLY);
+  const auto blocks = DescribeBlocks(*database, database->FindBlocks({}));
+  std::uint64_t bytes = 0;
+  for (const QeltaBlockInfo& block : blocks) bytes += block.bytes;
+  Console::PrintBold(options.file + "\n");
+  Console::Print("  database, " + BytesText(static_cast<double>(bytes)) + " of records\n");
+  PrintIds(database->GetIdMapsPool());
+  PrintBlocks(blocks);
+  PrintFields(blocks);
+}
+
+void PrintResultFile(const Options& options) {
+  Progress progress("reading " + options.file, options.showProgress);
+  FrdReadOptions reading;
+  reading.acceptRunningJob = options.acceptRunningJob;
+  reading.onProgress = [&progress](std::uint64_t done, std::uint64_t total) {
+    progress.Show(done, total);
+  };
+  const FrdFileSummary summary = SummarizeFrd(options.file, reading);
+  std::vector<QeltaBlockInfo> blocks;
+  for (const auto& block : summary.blocks) blocks.push_back(DescribeBlock(block));
+  PrintFile(options, summary);
+  PrintSteps(summary.steps);
+  PrintBlocks(blocks);
+  PrintFields(blocks);
 }
 
 int Info(const Options& options) {
-  FrdReadOptions reading;
-  reading.acceptRunningJob = options.acceptRunningJob;
-  const FrdFileSummary summary = SummarizeFrd(options.file, reading);
-  PrintFile(options, summary);
-  PrintSteps(summary.steps);
-  PrintBlocks(summary.blocks);
-  PrintFields(summary.blocks);
+  if (IsDatabase(options.file)) {
+    PrintDatabase(options);
+  } else {
+    PrintResultFile(options);
+  }
   return EXIT_DONE;
 }
 
@@ -227,10 +262,15 @@ int Info(const Options& options) {
 
 void AddInfoCommand(CLI::App& app, Action& action) {
   const auto options = std::make_shared<Options>();
-  CLI::App* const command = app.add_subcommand("info", "Show what a result file holds");
-  command->add_option("FILE", options->file, "CalculiX result file (.frd)")->required();
-  command->add_flag("--running", options->acceptRunningJob,
-                    "Accept a file that a running job still writes");
+  CLI::App* const command = app.add_subcommand("info", "Show what a source holds");
+  command->add_option("SOURCE", options->file, "Database directory or CalculiX result file (.frd)")
+      ->required();
+  Selection::AddRunningTo(*command, options->acceptRunningJob);
+  Selection::AddProgressTo(*command, options->showProgress);
+  command->footer(
+      "Examples:\n"
+      "  qelta info job.frd\n"
+      "  qelta info run.db");
   command->callback([&action, options] { action = [options] { return Info(*options); }; });
 }
 

@@ -1,54 +1,75 @@
 #include "Selection.h"
 
-#include <FED_DataDescriptorPattern.h>
-#include <FED_Exception.h>
-#include <FrdSummary.h>
-#include <QeltaPatternText.h>
-
 namespace qelta {
-namespace {
 
-constexpr const char* kPatternHelp =
-    "Select by a field; all selections must hold:\n"
-    "LABEL=DISP     this text or number\n"
-    "STATE=5..      at least (..9 at most)\n"
-    "INCREMENT=max  the highest (or min) of all\n"
-    "               that the others select\n"
-    "LAYER=?        present (! missing)\n"
-    "ONF=velocity   a kind by name or number\n"
-    "ONF=@nodal     a category of kinds";
-
-FED_DataDescriptorPattern ParsePattern(const std::vector<std::string>& where) {
-  try {
-    return ParsePatternTexts(where);
-  } catch (const FED_Exception& failure) {
-    throw CLI::ValidationError("--where", failure.what());
-  }
+void Selection::AddTo(CLI::App& command, const std::string& name) {
+  command.add_option(name, m_Name, "Database directory or CalculiX result file (.frd)")->required();
+  AddPatternTo(command);
+  AddRunningTo(command, m_Options.acceptRunningJob);
+  AddProgressTo(command, m_Options.showProgress);
 }
 
-}  // namespace
+void Selection::AddPatternTo(CLI::App& command) {
+  AddWhereTo(command);
+  command.add_flag("--latest", m_Latest, "The same as -w ITERATION=max");
+}
 
-void Selection::AddTo(CLI::App& command) {
-  command.add_option("FILE", file, "CalculiX result file (.frd)")->required();
-  command.add_option("-w,--where", where, kPatternHelp)
+void Selection::AddWhereTo(CLI::App& command) {
+  command
+      .add_option("-w,--where", m_Where,
+                  "Select blocks: LABEL=DISP, STATE=2..5,\n"
+                  "LABEL~'STR*', ONF=velocity, INCREMENT=max;\n"
+                  "may be repeated, all must hold. See\n"
+                  "'qelta help pattern'")
       ->expected(1)
       ->allow_extra_args(false)
       ->take_all()
       ->type_name("FIELD=VALUE");
+}
+
+void Selection::AddRunningTo(CLI::App& command, bool& acceptRunningJob) {
   command.add_flag("--running", acceptRunningJob, "Accept a file that a running job still writes");
 }
 
-FrdReadOptions Selection::ReadOptions() const {
-  FrdReadOptions options;
-  options.acceptRunningJob = acceptRunningJob;
-  return options;
+void Selection::AddProgressTo(CLI::App& command, bool& showProgress) {
+  command.add_flag_callback(
+      "--no-progress", [&showProgress] { showProgress = false; },
+      "Show no progress on the terminal");
 }
 
-std::vector<FED_DataDescriptor> Selection::Find() const {
-  const FED_DataDescriptorPattern pattern = ParsePattern(where);
-  std::vector<FED_DataDescriptor> keys;
-  for (const auto& block : SummarizeFrd(file, ReadOptions()).blocks) keys.push_back(block.key);
-  return pattern.Match(keys);
+QeltaPatternText Selection::GetPattern() const {
+  return ParseOption("--where", [this] {
+    QeltaPatternText pattern(m_Where);
+    if (m_Latest) pattern.Add("ITERATION=max");
+    return pattern;
+  });
+}
+
+ResultSource& Selection::GetSource() {
+  if (!m_Source) {
+    GetPattern();
+    m_Source = ResultSource::Open(m_Name, m_Options);
+  }
+  return *m_Source;
+}
+
+std::vector<FED_DataDescriptor> Selection::Find() {
+  return GetPattern().Select(GetSource().GetKeys());
+}
+
+void AddSetOption(CLI::App& command, std::vector<std::string>& texts) {
+  command
+      .add_option("--set", texts,
+                  "Store under a changed key; FIELD=! leaves\n"
+                  "the field out. May be repeated")
+      ->expected(1)
+      ->allow_extra_args(false)
+      ->take_all()
+      ->type_name("FIELD=VALUE");
+}
+
+QeltaKeyChanges ParseChanges(const std::vector<std::string>& texts) {
+  return ParseOption("--set", [&texts] { return QeltaKeyChanges(texts); });
 }
 
 }  // namespace qelta

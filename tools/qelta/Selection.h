@@ -1,27 +1,67 @@
 #pragma once
 
 #include <FED_DataDescriptor.h>
-#include <FrdReader.h>
+#include <FED_Exception.h>
+#include <QeltaFieldText.h>
+#include <QeltaPatternText.h>
 
 #include <CLI/CLI.hpp>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "ResultSource.h"
+
 namespace qelta {
 
-/// Which blocks of which file a command is about; read from its command line.
-struct Selection {
-  std::string file;
-  std::vector<std::string> where;
-  bool acceptRunningJob = false;
+/// Which blocks of which source a command is about; read from its command line.
+class Selection {
+ public:
+  /// Gives `command` the source and the options; this object must outlive the parsing.
+  void AddTo(CLI::App& command, const std::string& name = "SOURCE");
 
-  /// Gives `command` the file and the options; this object must outlive the parsing.
-  void AddTo(CLI::App& command);
+  /// The options that select, without the source; --where alone.
+  void AddPatternTo(CLI::App& command);
+  void AddWhereTo(CLI::App& command);
+  static void AddRunningTo(CLI::App& command, bool& acceptRunningJob);
+  static void AddProgressTo(CLI::App& command, bool& showProgress);
 
-  FrdReadOptions ReadOptions() const;
+  /// The command line asks for some blocks, not for all.
+  bool IsGiven() const { return !m_Where.empty() || m_Latest; }
 
-  /// The keys of the selected blocks, in the order of the file; reads the file once.
-  std::vector<FED_DataDescriptor> Find() const;
+  /// Fails as a wrong command line does.
+  QeltaPatternText GetPattern() const;
+
+  const std::string& GetName() const { return m_Name; }
+  const SourceOptions& GetOptions() const { return m_Options; }
+
+  /// The source, opened by the first call; the command line is checked before.
+  ResultSource& GetSource();
+
+  /// The keys of the selected blocks, in the order of the source.
+  std::vector<FED_DataDescriptor> Find();
+
+ private:
+  std::string m_Name;
+  std::vector<std::string> m_Where;
+  bool m_Latest = false;
+  SourceOptions m_Options;
+  std::unique_ptr<ResultSource> m_Source;
 };
+
+/// The option --set of a command.
+void AddSetOption(CLI::App& command, std::vector<std::string>& texts);
+/// Its changes; fails as a wrong command line does.
+QeltaKeyChanges ParseChanges(const std::vector<std::string>& texts);
+
+/// Runs `parse`; its failures become those of the command line.
+template <class Parse>
+auto ParseOption(const std::string& option, Parse parse) {
+  try {
+    return parse();
+  } catch (const FED_Exception& failure) {
+    throw CLI::ValidationError(option, failure.what());
+  }
+}
 
 }  // namespace qelta

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <numeric>
 
+#include "Console.h"
+
 namespace qelta {
 namespace {
 
-constexpr std::size_t kTerminalWidth = 80;
 constexpr std::size_t kLongWord = 24;
+constexpr std::size_t kShortTitle = 5;
 constexpr std::size_t kGap = 2;  // before each column
 
 std::string Pad(const std::string& cell, std::size_t width, Table::Align align) {
@@ -20,13 +22,21 @@ using Lines = std::vector<std::string>;
 Lines Wrap(std::string text, std::size_t width) {
   Lines lines;
   while (text.size() > width) {
-    const std::size_t blank = text.rfind(' ', width);
-    const bool atBlank = blank != std::string::npos && blank > 0;
-    lines.push_back(text.substr(0, atBlank ? blank : width));
-    text.erase(0, atBlank ? blank + 1 : width);
+    // Before the component of a field there is a good place, too.
+    const std::size_t found = text.find_last_of(" .", width);
+    const std::size_t end = found != std::string::npos && found > 0 ? found : width;
+    lines.push_back(text.substr(0, end));
+    text.erase(0, end + (text[end] == ' ' ? 1 : 0));
   }
   lines.push_back(text);
   return lines;
+}
+
+// The least width that needs no more lines: LOAD and CASE rather than LOADC and ASE.
+std::size_t EvenWidth(const std::string& text, std::size_t width) {
+  if (text.size() <= width || text.find_first_of(" .") != std::string::npos) return width;
+  const std::size_t lines = (text.size() + width - 1) / width;
+  return (text.size() + lines - 1) / lines;
 }
 
 std::size_t Length(const std::string& text) { return text.size(); }
@@ -43,25 +53,36 @@ std::size_t LongestWord(const std::string& text) {
 }  // namespace
 
 // The greatest measure of the cells of each column.
-std::vector<std::size_t> Table::Widest(std::size_t (*measure)(const std::string&)) const {
+std::vector<std::size_t> Table::Widest(Measure measure, bool withTitles) const {
   std::vector<std::size_t> widths(m_Columns.size(), 0);
-  for (const auto& row : m_Rows) {
+  for (std::size_t row = m_HasTitles && !withTitles ? 1 : 0; row < m_Rows.size(); ++row) {
     for (std::size_t i = 0; i < widths.size(); ++i) {
-      widths[i] = std::max(widths[i], measure(row[i]));
+      widths[i] = std::max(widths[i], measure(m_Rows[row][i]));
     }
   }
   return widths;
 }
 
-// Makes the columns fit a terminal, if they can; words are broken only where they are very long.
-void Table::Narrow(std::vector<std::size_t>& widths) const {
+// Numbers are never broken, words only where they are very long.
+std::vector<std::size_t> Table::Narrowest() const {
   const std::vector<std::size_t> words = Widest(LongestWord);
+  std::vector<std::size_t> widths = Widest(Length, false);
+  for (std::size_t i = 0; i < widths.size(); ++i) {
+    widths[i] = m_Columns[i] == Align::Left ? std::min(words[i], kLongWord)
+                                            : std::max(widths[i], kShortTitle);
+  }
+  return widths;
+}
+
+// Makes the columns fit the terminal, if they can.
+void Table::Narrow(std::vector<std::size_t>& widths) const {
+  const std::vector<std::size_t> narrowest = Narrowest();
+  const std::size_t room = Console::GetWidth();
   std::size_t total = std::accumulate(widths.begin(), widths.end(), kGap * widths.size());
-  for (; total > kTerminalWidth; --total) {
+  for (; total > room; --total) {
     std::size_t* widest = nullptr;
     for (std::size_t i = 0; i < widths.size(); ++i) {
-      const bool canShrink =
-          m_Columns[i] == Align::Left && widths[i] > std::min(words[i], kLongWord);
+      const bool canShrink = widths[i] > narrowest[i];
       if (canShrink && (widest == nullptr || widths[i] > *widest)) widest = &widths[i];
     }
     if (widest == nullptr) return;
@@ -69,12 +90,13 @@ void Table::Narrow(std::vector<std::size_t>& widths) const {
   }
 }
 
-std::string Table::RowText(const std::vector<std::string>& row,
-                           const std::vector<std::size_t>& widths) const {
+std::string Table::RowText(std::size_t row, const std::vector<std::size_t>& widths) const {
+  const bool isTitle = row == 0 && m_HasTitles;
   std::vector<Lines> cells;
   std::size_t height = 0;
-  for (std::size_t i = 0; i < row.size(); ++i) {
-    cells.push_back(Wrap(row[i], widths[i]));
+  for (std::size_t i = 0; i < widths.size(); ++i) {
+    const std::string& text = m_Rows[row][i];
+    cells.push_back(Wrap(text, isTitle ? EvenWidth(text, widths[i]) : widths[i]));
     height = std::max(height, cells[i].size());
   }
   std::string text;
@@ -90,12 +112,32 @@ std::string Table::RowText(const std::vector<std::string>& row,
   return text;
 }
 
-std::string Table::ToString() const {
+void Table::AddTitles(std::vector<std::string> cells) {
+  m_Rows.insert(m_Rows.begin(), std::move(cells));
+  m_HasTitles = true;
+}
+
+std::size_t Table::GetWidth() const {
+  const std::vector<std::size_t> widths = Widest(Length);
+  return std::accumulate(widths.begin(), widths.end(), kGap * widths.size());
+}
+
+std::size_t Table::GetLeastWidth() const {
+  const std::vector<std::size_t> widths = Narrowest();
+  return std::accumulate(widths.begin(), widths.end(), kGap * widths.size());
+}
+
+void Table::Print() const {
   std::vector<std::size_t> widths = Widest(Length);
   Narrow(widths);
-  std::string text;
-  for (const auto& row : m_Rows) text += RowText(row, widths);
-  return text;
+  for (std::size_t i = 0; i < m_Rows.size(); ++i) {
+    const std::string text = RowText(i, widths);
+    if (i == 0 && m_HasTitles) {
+      Console::PrintBold(text);
+    } else {
+      Console::Print(text);
+    }
+  }
 }
 
 }  // namespace qelta

@@ -15,19 +15,31 @@ class Table {
   /// One cell for each column.
   void Add(std::vector<std::string> cells) { m_Rows.push_back(std::move(cells)); }
 
-  /// Each row indented by two blanks, with two blanks between columns. Where that is wider than a
-  /// terminal, the widest left-aligned columns are narrowed and their cells broken, at blanks if
-  /// possible.
-  std::string ToString() const;
+  bool IsEmpty() const { return m_Rows.empty(); }
+
+  /// Like Add; stands out where the rows are shown.
+  void AddTitles(std::vector<std::string> cells);
+
+  /// Columns that the table takes without breaking a cell.
+  std::size_t GetWidth() const;
+  /// The same when as many cells are broken as may be.
+  std::size_t GetLeastWidth() const;
+
+  /// Prints each row indented by two blanks, with two blanks between columns. Where that is wider
+  /// than the terminal, the widest columns are narrowed: left-aligned cells and all titles are
+  /// broken, at blanks if possible.
+  void Print() const;
 
  private:
-  std::vector<std::size_t> Widest(std::size_t (*measure)(const std::string&)) const;
+  using Measure = std::size_t (*)(const std::string&);
+  std::vector<std::size_t> Widest(Measure measure, bool withTitles = true) const;
+  std::vector<std::size_t> Narrowest() const;
   void Narrow(std::vector<std::size_t>& widths) const;
-  std::string RowText(const std::vector<std::string>& row,
-                      const std::vector<std::size_t>& widths) const;
+  std::string RowText(std::size_t row, const std::vector<std::size_t>& widths) const;
 
   std::vector<Align> m_Columns;
   std::vector<std::vector<std::string>> m_Rows;
+  bool m_HasTitles = false;
 };
 
 }  // namespace qelta

@@ -1,8 +1,9 @@
 #include <FED_Exception.h>
-#include <FrdSource.h>
+#include <FED_LogMacros.h>
 #include <QeltaNames.h>
 
 #include <CLI/CLI.hpp>
+#include <cstdlib>
 #include <exception>
 #include <new>
 #include <string>
@@ -10,11 +11,18 @@
 
 #include "Commands.h"
 #include "Console.h"
+#include "Databases.h"
 #include "ExitCode.h"
+#include "HelpTexts.h"
 
 namespace {
 
 using namespace qelta;
+
+constexpr void (*kCommands[])(CLI::App&, Action&) = {
+    AddInfoCommand,    AddLsCommand,      AddFindCommand,   AddShowCommand,       AddStatsCommand,
+    AddDiffCommand,    AddImportCommand,  AddCopyCommand,   AddRmCommand,         AddVerifyCommand,
+    AddSalvageCommand, AddCompactCommand, AddBackupCommand, AddCompletionCommand, AddHelpCommand};
 
 // What is wrong with the command, if that is what is wrong.
 std::string CommandComplaint(const CLI::App& app) {
@@ -34,16 +42,15 @@ int Usage(const CLI::App& app, const CLI::ParseError& error) {
   return EXIT_USAGE;
 }
 
-int Run(int argc, char** argv) {
-  Action action;
+int Run(int argc, char** argv, Action& action) {
   CLI::App app("Looks into the results of solvers and optimisers.", "qelta");
+  app.require_subcommand(0, 1);
   app.set_version_flag("--version", "qelta " QELTA_VERSION "\n", "Print the version and exit");
   app.footer(
-      "Exit codes: 0 done, 1 nothing found, 2 usage, 3 damaged or unreadable input,\n"
-      "4 input or output failure.");
-  AddInfoCommand(app, action);
-  AddFindCommand(app, action);
-  AddShowCommand(app, action);
+      std::string("'qelta COMMAND --help' explains a command, 'qelta help pattern' how to select\n"
+                  "blocks.\n\n") +
+      kExitHelp);
+  for (const auto add : kCommands) add(app, action);
   try {
     app.parse(argc, argv);
     if (!action) throw CLI::RequiredError("A subcommand");
@@ -59,23 +66,37 @@ int Run(int argc, char** argv) {
   return action();
 }
 
-int RunGuarded(int argc, char** argv) {
+// What the library says on the side, such as that it does not know a kind of block. Told only after
+// a command that did its work: one that failed says why in one line.
+using Notes = std::vector<std::string>;
+
+void TakeNote(void* notes, FED_LogMacros::LogMsgType type, const char*, int, const char*,
+              const char* text) {
+  if (type == FED_LogMacros::LOG_CONTINUED) static_cast<Notes*>(notes)->emplace_back(text);
+}
+
+int RunGuarded(int argc, char** argv, Action& action) {
+  Notes notes;
   try {
     Console::Prepare();
-    const int code = Run(argc, argv);
+    FED_LogMacros::SetSink(TakeNote, &notes);
+    const int code = Run(argc, argv, action);
     Console::Flush();
+    for (const std::string& note : notes) Console::Complain(note);
     return code;
   } catch (const Console::PipeClosed&) {
     return EXIT_DONE;
   } catch (const Console::OutputFailure&) {
     Console::Complain("cannot write the output (is the device full?)");
     return EXIT_IO_FAILURE;
+  } catch (const Console::Interrupted&) {
+    return EXIT_INTERRUPTED;
   } catch (const CLI::Error& error) {
     Console::Complain(error.what());
     return EXIT_USAGE;
   } catch (const FED_Exception& failure) {
     Console::Complain(failure.what());
-    return failure.GetMessageId() == FrdSource::kReadErrorId ? EXIT_IO_FAILURE : EXIT_BAD_INPUT;
+    return IsDeviceFailure(failure) ? EXIT_IO_FAILURE : EXIT_BAD_INPUT;
   } catch (const std::bad_alloc&) {
     Console::Complain("out of memory");
     return EXIT_IO_FAILURE;
@@ -87,4 +108,10 @@ int RunGuarded(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) { return RunGuarded(argc, argv); }
+int main(int argc, char** argv) {
+  Action action;
+  const int code = RunGuarded(argc, argv, action);
+  // What was open for reading ends with the process: to take 100 000 blocks apart costs a third of
+  // listing them. What was written to is closed by now.
+  std::_Exit(code);
+}

@@ -11,13 +11,13 @@
 // Returns 0 when the import and its summary agree on what a selection picks.
 int main(int argc, char** argv) {
   if (argc != 2) return 1;
-  const FED_DataDescriptorPattern pattern = qelta::ParsePatternTexts({"LABEL=DISP"});
+  const qelta::QeltaPatternText pattern({"LABEL=DISP"});
   FED_MemoryDatabase database;
   database.InitDb(FED_IdMapsPool(), FED_DatabaseDefs::CREATE, 0, FED_DEFAULT_DATABASE_NAME);
   if (!qelta::ImportFrd(argv[1], database)) return 2;
   std::vector<FED_DataDescriptor> keys;
   for (const auto& block : qelta::SummarizeFrd(argv[1]).blocks) keys.push_back(block.key);
-  const std::size_t count = pattern.Match(keys).size();
+  const std::size_t count = pattern.Select(keys).size();
   std::printf("import: %zu blocks\n", count);
-  return count > 0 && count == database.FindBlocks(pattern).size() ? 0 : 3;
+  return count > 0 && count == pattern.Select(database).size() ? 0 : 3;
 }

@@ -210,6 +210,10 @@ TEST(MemoryIdMapTest, BulkFormsCountUpFromTheFirstIndex) {
   map.Add(nullptr, none, 5);
   map.Add(more, none, -5);
   EXPECT_EQ(map.GetCount(), 5u);
+  map.AddConsecutive(40, 3, 3);
+  map.AddConsecutive(41, 3, 4);
+  EXPECT_EQ(map.IndexOfId(43), 6);
+  EXPECT_EQ(map.GetCount(), 9u);
 }
 
 TEST(MemoryIdMapTest, BulkFormsRefuseWhatCannotBe) {
@@ -222,6 +226,8 @@ TEST(MemoryIdMapTest, BulkFormsRefuseWhatCannotBe) {
   EXPECT_NE(MessageOf([&] { map.Add(ids, 2, -1); }), "no failure");
   EXPECT_NE(MessageOf([&] { map.Add(ids, ~std::size_t{0}); }), "no failure");
   EXPECT_NE(MessageOf([&] { map.Add(ids, ~std::size_t{0} / 4); }), "no failure");
+  EXPECT_NE(MessageOf([&] { map.AddConsecutive(2147483646, 3, 5); }), "no failure");
+  EXPECT_NE(MessageOf([&] { map.AddConsecutive(-3, 3, kGreatestIndex - 1); }), "no failure");
   EXPECT_EQ(map.GetCount(), 2u);
   const std::int32_t last[] = {8, 9};
   map.Add(last, 2, kGreatestIndex - 1);

@@ -1,0 +1,103 @@
+#include "QeltaFieldText.h"
+
+#include <FED_Failure.h>
+#include <FED_Message.h>
+#include <FED_OnfInfoPool.h>
+#include <QeltaStringUtil.h>
+
+#include <optional>
+
+#include "QeltaNames.h"
+
+namespace qelta {
+namespace {
+
+using Key = FED_DataDescriptor;
+
+[[noreturn]] void ThrowUsage(const char* messageId, const std::string& text) {
+  FED_Failure::Throw(messageId, "|%P|QeltaIo|QeltaFieldText", "%s", text.c_str());
+}
+
+std::optional<int> ToInteger(const std::string& text) {
+  int value = 0;
+  if (QeltaStringUtil::ToInt(text, value) != STATUS_OK) return std::nullopt;
+  return value;
+}
+
+const Key::NameAndType& Info(Key::ResultIndex field) { return Key::RD_NAME_TYPE_ITEMS[field]; }
+
+}  // namespace
+
+Key::ResultIndex ParseFieldName(const std::string& name) {
+  std::vector<std::string> names;
+  for (std::size_t i = 0; i < Key::FIELD_COUNT; ++i) {
+    names.push_back(Key::RD_NAME_TYPE_ITEMS[i].name);
+    if (IsSameName(names.back(), name)) return Key::CastIndex(i);
+  }
+  ThrowUsage("310000000701", "There is no field '" + name + "'." + Suggest(name, names));
+}
+
+FED_OnfId ParseKind(const std::string& text) {
+  const std::optional<int> number = ToInteger(text);
+  if (number && FED_OnfInfoPool::ExistsOnfBlock(*number)) return static_cast<FED_OnfId>(*number);
+  std::vector<std::string> names;
+  for (const FED_OnfId id : FED_OnfInfoPool::GetAllOnfIds()) {
+    names.push_back(FED_OnfInfoPool::GetOnfInfo(id).name);
+    if (IsSameName(names.back(), text)) return id;
+  }
+  ThrowUsage("310000000703", "There is no block kind '" + text + "'." + Suggest(text, names));
+}
+
+QeltaKindRange ParseCategory(const std::string& name) {
+  std::vector<std::string> names;
+  for (const FED_OnfCategoryInfo& category : FED_OnfInfoPool::GetAllCategories()) {
+    names.push_back(category.name);
+    if (IsSameName(category.name, name)) return {category.category, category.first, category.last};
+  }
+  ThrowUsage("310000000702", "There is no category '" + name + "'." + Suggest(name, names));
+}
+
+int ParseFieldValue(Key::ResultIndex field, const std::string& text) {
+  if (field == Key::ONF) return ParseKind(text);
+  const Key::NameAndType& info = Info(field);
+  const std::optional<int> value = ToInteger(text);
+  if (!value) {
+    ThrowUsage("310000000704",
+               FED_MESSAGE("%s takes an integer, not '%s'.", info.name.c_str(), text.c_str()));
+  }
+  if (*value < info.lowest || *value > info.highest) {
+    ThrowUsage("310000000705", FED_MESSAGE("%s takes values from %d to %d, not %d.",
+                                           info.name.c_str(), info.lowest, info.highest, *value));
+  }
+  return *value;
+}
+
+int ParseFieldBound(Key::ResultIndex field, const std::string& text) {
+  const std::optional<int> number = ToInteger(text);
+  return field == Key::ONF && number ? *number : ParseFieldValue(field, text);
+}
+
+QeltaKeyChanges::QeltaKeyChanges(const std::vector<std::string>& texts) {
+  for (const std::string& text : texts) {
+    const std::size_t sign = text.find('=');
+    if (sign == std::string::npos) {
+      ThrowUsage("310000000709", "'" + text + "' sets no field; the form is FIELD=VALUE.");
+    }
+    const Key::ResultIndex field = ParseFieldName(text.substr(0, sign));
+    const std::string value = text.substr(sign + 1);
+    if (value == "!") {
+      m_Removed.push_back(field);
+    } else if (Info(field).type == Key::STRING_FIELD) {
+      m_Values.SetString(field, value);
+    } else {
+      m_Values.SetInteger(field, ParseFieldValue(field, value));
+    }
+  }
+}
+
+void QeltaKeyChanges::ApplyTo(Key& key) const {
+  key.AssignSpecifiedValues(m_Values);
+  for (const Key::ResultIndex field : m_Removed) key.Unset(field);
+}
+
+}  // namespace qelta

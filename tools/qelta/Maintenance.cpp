@@ -1,0 +1,22 @@
+#include "Maintenance.h"
+
+#include "Selection.h"
+#include "TargetDatabase.h"
+
+namespace qelta {
+
+std::shared_ptr<MaintenanceOptions> MaintenanceOptions::AddTo(CLI::App& command) {
+  const auto options = std::make_shared<MaintenanceOptions>();
+  command.add_option("DB", options->name, "Database directory")->required();
+  Selection::AddProgressTo(command, options->showProgress);
+  return options;
+}
+
+void PrintReport(const DatabaseReport& report, const std::string& well, const std::string& badly) {
+  for (const std::string& problem : report.problems) Console::Print(problem + "\n");
+  Console::Print(CountText(report.blocks, "block") + ", " +
+                 BytesText(static_cast<double>(report.bytes)) + ": " +
+                 (report.problems.empty() ? well : badly) + "\n");
+}
+
+}  // namespace qelta

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <string>
+
+#include "Console.h"
+#include "Databases.h"
+#include "Progress.h"
+
+namespace qelta {
+
+/// What verify, salvage, compact and backup have in common.
+struct MaintenanceOptions {
+  std::string name;
+  std::string target;
+  bool showProgress = true;
+
+  static std::shared_ptr<MaintenanceOptions> AddTo(CLI::App& command);
+};
+
+/// Runs `work` with a DatabaseProgress. After a Ctrl-C it ends in peace, then Interrupted is
+/// thrown.
+template <class Work>
+auto RunMaintenance(const std::string& what, const MaintenanceOptions& options, Work work) {
+  Progress progress(what + " " + options.name, options.showProgress);
+  const auto result = work([&progress](std::uint64_t done, std::uint64_t total) {
+    return progress.GoesOn(done, total);
+  });
+  Console::ThrowIfInterrupted();
+  return result;
+}
+
+/// The problems, and then "3 blocks, 12 MB: intact", or the other word.
+void PrintReport(const DatabaseReport& report, const std::string& well, const std::string& badly);
+
+}  // namespace qelta

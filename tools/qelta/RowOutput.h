@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QeltaCell.h>
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Table.h"
+
+namespace qelta {
+
+enum class OutputFormat { Table, Csv, Json, JsonLines };
+
+/// Nothing is an empty cell, a missing value, null.
+using OutputCell = std::optional<QeltaCell>;
+
+struct OutputColumn {
+  std::string name;
+  Table::Align align = Table::Align::Right;
+  bool isDispensable = false;  ///< may be left out of a table for which the terminal is too narrow
+};
+
+/// Writes rows to the standard output in the format of the user's choice: a table for people, or
+/// exact numbers for programs.
+class RowOutput {
+ public:
+  static constexpr int kTableDigits = 6;
+
+  /// Adds the option --format to a command.
+  static void AddFormatOption(CLI::App& command, OutputFormat& format);
+
+  /// `digits` counts in tables alone; without, tables use fewer than six on a narrow terminal.
+  static std::unique_ptr<RowOutput> Make(OutputFormat format, std::optional<int> digits = {});
+
+  virtual ~RowOutput() = default;
+  RowOutput(const RowOutput&) = delete;
+  RowOutput& operator=(const RowOutput&) = delete;
+
+  /// Begins rows of other columns. The caption stands above a table only.
+  virtual void Begin(std::vector<OutputColumn> columns, const std::string& caption = {}) = 0;
+  /// One cell for each column.
+  virtual void Add(std::vector<OutputCell> cells) = 0;
+  /// Must follow the last row.
+  virtual void End() = 0;
+
+ protected:
+  RowOutput() = default;
+};
+
+}  // namespace qelta
