@@ -70,7 +70,7 @@ class Compaction {
   Chunks Copy(std::size_t owner, std::string& packed) {
     Chunks chunks;
     if (!m_Meter.GoesOn()) return chunks;
-    UnpackChunks(packed, chunks);
+    if (!UnpackChunks(packed, chunks)) FailDamaged(owner, "its list of chunks makes no sense");
     for (StoredChunk& chunk : chunks) {
       Copy(owner, chunk);
       m_Done += chunk.extent.length;
@@ -81,17 +81,19 @@ class Compaction {
   }
 
   void Copy(std::size_t owner, StoredChunk& chunk) {
-    m_Buffer.resize(static_cast<std::size_t>(chunk.extent.length));
     Payload& from = m_Store.GetPayload();
-    if (const char* const problem = from.Read(chunk.extent, m_Buffer.data())) {
-      throw Damage("220400000011",
-                   "The database cannot be compacted. " + m_Moved.rows.TitleOf(owner) + ": " +
-                       Describe(chunk, from.GetPath()) + ": " + problem +
-                       ". Salvage the database to copy what is intact, or restore a backup.",
-                   kLocation);
+    if (const char* const problem = from.Read(chunk.extent, m_Buffer)) {
+      FailDamaged(owner, Describe(chunk, from.GetPath()) + ": " + problem);
     }
     chunk.extent = m_Moved.payload->WriteAt(m_Moved.length, m_Buffer.data(), m_Buffer.size());
     m_Moved.length += chunk.extent.length;
+  }
+
+  [[noreturn]] void FailDamaged(std::size_t owner, const std::string& what) {
+    throw Damage("220400000011",
+                 "The database cannot be compacted. " + m_Moved.rows.TitleOf(owner) + ": " + what +
+                     ". Salvage the database to copy what is intact, or restore a backup.",
+                 kLocation);
   }
 
   // Nothing but `progress` can have come between.

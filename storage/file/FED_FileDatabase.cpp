@@ -158,15 +158,16 @@ bool FED_FileDatabase::Refresh() {
   store.RequireUsable();
   if (store.IsWritable()) return false;
   const qelta::CatalogueState newest = store.ReadNewest();
-  if (newest.uuid != store.GetState().uuid) {
+  const bool isSame = newest.uuid == store.GetState().uuid;
+  if (isSame && newest.generation == store.GetState().generation) return false;
+  auto fresh = std::make_shared<qelta::FileStore>(m_Files, store.GetDirectory(), GetMode(),
+                                                  store.GetCache().GetCapacity());
+  if (fresh->GetState().uuid != store.GetState().uuid) {
     FED_Failure::Throw("220300000084", kLocation,
                        "Another database stands under the name %s now; close this one and open it "
                        "anew.",
                        store.GetDirectory().c_str());
   }
-  if (newest.generation == store.GetState().generation) return false;
-  auto fresh = std::make_shared<qelta::FileStore>(m_Files, store.GetDirectory(), GetMode(),
-                                                  store.GetCache().GetCapacity());
   auto next = m_Session->Prepare(std::move(fresh), m_BlockSet);
   SaveData();  // closes all blocks; a reader has nothing to save
   m_Session->MoveTo(std::move(next), m_BlockSet, GetIdMapsPool());

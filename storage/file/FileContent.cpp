@@ -74,17 +74,10 @@ void FileContent::Open() {
 }
 
 void FileContent::LoadChunks() {
-  constexpr std::uint64_t kMaxSpan = std::uint64_t{1} << 31;
-  if (m_Row.records > m_Row.span || m_Row.span > kMaxSpan || m_Row.handles > kMaxHandle) {
-    FailDamaged("its counts of records make no sense");
-  }
   std::vector<StoredChunk> chunks;
-  if (!UnpackChunks(m_Row.chunks, chunks)) FailDamaged("its list of chunks makes no sense");
+  if (const char* const fault = FindFault(m_Row, chunks)) FailDamaged(fault);
   for (const StoredChunk& chunk : chunks) {
-    if (chunk.part > Part::CONTENTS) FailDamaged("one of its chunks is no part of a block");
-    ChunkStream& stream = StreamOf(chunk.part);
-    if (chunk.extent.length > stream.GetChunkSize()) FailDamaged("one of its chunks is too long");
-    stream.Add(chunk, ChunkStream::kOldestBirth);
+    StreamOf(chunk.part).Add(chunk, ChunkStream::kOldestBirth);
   }
 }
 

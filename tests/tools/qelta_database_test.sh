@@ -84,6 +84,12 @@ check 0 "copied 8 blocks, 8 of them replaced" copy binary.db two.db -w LABEL=DIS
 expect 0 diff binary.db two.db -w LABEL=DISP --only-different
 check 0 "copied 8 blocks" copy binary.db two.db -w LABEL=DISP --set ITERATION=3
 check 1 "only in second  ITERATION=3" diff binary.db two.db -w LABEL=DISP --only-different
+"$qelta" diff binary.db two.db -w LABEL=NIX >"$out" 2>"$err" && fail "nothing compared is not the same"
+complains "nothing is compared"
+check 2 'the value is empty' show binary.db --id ''
+check 2 "ends before it begins" show binary.db --rows 5..3
+check 2 "--head" show binary.db --head -1
+check 2 "leave --where" import table.csv never.db --csv --step 1
 expect 1 diff binary.db two.db -w LABEL=DISP -w ITERATION=? --ignore-field ITERATION
 check 0 "would delete 8 blocks" rm two.db -w ITERATION=3 -n
 check 2 "--yes" rm two.db -w ITERATION=3 </dev/null
@@ -200,7 +206,7 @@ done <<'TABLE'
 random random, line 1
 empty empty is empty
 missing missing
-empty.db There is no database empty.db
+empty.db There is no database
 newer.db newer version
 headless.db no valid header
 lost.db catalogue.sqlite is lost

@@ -151,6 +151,11 @@ int Diff(Options& options) {
   const auto second = ResultSource::Open(options.second, options.reading);
   const auto keysOfFirst = pattern.Select(first->GetKeys());
   const auto keysOfSecond = pattern.Select(second->GetKeys());
+  const bool hasBlocks = !first->GetKeys().empty() || !second->GetKeys().empty();
+  if (hasBlocks && keysOfFirst.empty() && keysOfSecond.empty()) {
+    Console::Complain("nothing is compared: the selection matches no block on either side");
+    return EXIT_NOTHING_FOUND;
+  }
   const QeltaDatabaseDiff diff(first->Load(keysOfFirst), second->Load(keysOfSecond),
                                options.tolerances);
   const auto pairs = QeltaDatabaseDiff::Match(keysOfFirst, keysOfSecond, ignored);

@@ -41,6 +41,11 @@ struct Options {
   FrdReadOptions reading;
   bool showProgress = true;
 
+  // What only a file of results has.
+  bool ChoosesResults() const {
+    return selection.IsGiven() || step || onlyLatest || follows || timeout;
+  }
+
   std::uint64_t CacheBytes() const { return cacheMegabytes << 20; }
 };
 
@@ -157,7 +162,14 @@ int ImportTable(const Options& options, const QeltaKeyChanges& changes) {
 
 int Import(Options& options) {
   const QeltaKeyChanges changes = ParseChanges(options.changes);
-  if (options.isCsv || HasEnding(options.file, ".csv")) return ImportTable(options, changes);
+  if (options.isCsv || HasEnding(options.file, ".csv")) {
+    if (options.ChoosesResults()) {
+      throw CLI::ValidationError("import",
+                                 "a table has no steps and no blocks to choose from; "
+                                 "leave --where, --step, --latest and --follow out.");
+    }
+    return ImportTable(options, changes);
+  }
   if (options.file == "-") options.file = "/dev/stdin";
   return ImportResults(options, changes);
 }

@@ -29,9 +29,16 @@ std::vector<NumberRange> ParseRanges(const std::string& option, const std::strin
       ranges.push_back({number, number});
       continue;
     }
+    if (item == "..") throw CLI::ValidationError(option, "'..' has no end; write 3,7,10..19.");
     const std::string low = item.substr(0, dots), high = item.substr(dots + 2);
     ranges.push_back({low.empty() ? std::numeric_limits<int>::min() : ParseNumber(option, low),
                       high.empty() ? std::numeric_limits<int>::max() : ParseNumber(option, high)});
+    if (ranges.back().first > ranges.back().last) {
+      throw CLI::ValidationError(option, "'" + item + "' ends before it begins.");
+    }
+  }
+  if (text.empty() || text.back() == ',') {
+    throw CLI::ValidationError(option, "a number is missing at the end; write 3,7,10..19.");
   }
   return ranges;
 }

@@ -187,9 +187,12 @@ int Show(Options& options) {
   if (!options.ids.empty()) ParseRanges("--id", options.ids);
   if (!options.rows.empty()) ParseRanges("--rows", options.rows);
   const std::vector<FED_DataDescriptor> keys = options.selection.Find();
-  if (keys.empty()) return EXIT_NOTHING_FOUND;
-  const FED_Database& database = options.selection.GetSource().Load(keys);
   const auto output = RowOutput::Make(options.format, options.digits);
+  if (keys.empty()) {
+    output->End();
+    return EXIT_NOTHING_FOUND;
+  }
+  const FED_Database& database = options.selection.GetSource().Load(keys);
   std::size_t count = 0;
   for (const FED_DataDescriptor& key : keys) {
     count += Rows(database.GetDataBlock(key), database.GetIdMapsPool(), options, *output).Print();
@@ -215,6 +218,8 @@ void AddShowCommand(CLI::App& app, Action& action) {
       ->take_all()
       ->type_name("NAME");
   command->add_option("--rows", options->rows, "Only the records at these indices, from 0")
+      ->excludes("--id")
+      ->excludes("--name")
       ->type_name("0..9");
   command
       ->add_option("--fields", options->fields,
@@ -223,6 +228,7 @@ void AddShowCommand(CLI::App& app, Action& action) {
       ->allow_extra_args(false)
       ->type_name("FIELD,...");
   command->add_option("--head", options->head, "At most this many records of each block")
+      ->check(CLI::Range(0, 1 << 30).description(""))
       ->type_name("N");
   command->add_option("--digits", options->digits, "Digits of numbers in a table, 6 as a rule")
       ->check(CLI::Range(1, kAllDigits).description(""))

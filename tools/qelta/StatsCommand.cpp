@@ -195,7 +195,10 @@ class Statistics {
 int PrintStatistics(Options& options) {
   if (!options.by.empty()) BlockColumn::Parse("--by", options.by);
   const std::vector<FED_DataDescriptor> keys = options.selection.Find();
-  if (keys.empty()) return EXIT_NOTHING_FOUND;
+  if (keys.empty()) {
+    RowOutput::Make(options.format)->End();
+    return EXIT_NOTHING_FOUND;
+  }
   return Statistics(options, keys).Print() == 0 ? EXIT_NOTHING_FOUND : EXIT_DONE;
 }
 

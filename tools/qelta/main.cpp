@@ -36,6 +36,17 @@ std::string CommandComplaint(const CLI::App& app) {
   return "There is no command '" + words[0] + "'; " + list + SuggestLike(words[0], names);
 }
 
+// An empty value is a variable of a script that was never set: it must not mean "everything".
+void RefuseEmptyValues(CLI::App& app) {
+  for (CLI::App* command : app.get_subcommands({})) {
+    for (CLI::Option* option : command->get_options()) {
+      option->check(CLI::Validator(
+          [](std::string& value) { return std::string(value.empty() ? "the value is empty" : ""); },
+          ""));
+    }
+  }
+}
+
 int Usage(const CLI::App& app, const CLI::ParseError& error) {
   const std::string complaint = CommandComplaint(app);
   Console::Complain((complaint.empty() ? error.what() : complaint) + " (qelta --help says more)");
@@ -51,6 +62,7 @@ int Run(int argc, char** argv, Action& action) {
                   "blocks.\n\n") +
       kExitHelp);
   for (const auto add : kCommands) add(app, action);
+  RefuseEmptyValues(app);
   try {
     app.parse(argc, argv);
     if (!action) throw CLI::RequiredError("A subcommand");

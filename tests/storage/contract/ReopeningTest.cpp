@@ -121,19 +121,15 @@ TEST_P(KeptContent, IncludesTheIdMaps) {
 
 // Maps that were saved go, and others come to stand where they were.
 TEST_P(KeptContent, IncludesTheIdMapsThatWereSetLast) {
-  const auto setMap = [&](std::int32_t id) {
-    const auto map = std::make_shared<FED_MemoryIdMap>(ID_TYPE_NODE);
-    map->Add(0, id);
-    Db().GetIdMapsPool().SetMap(ID_TYPE_NODE, map);
-  };
-  for (std::int32_t id = 10; id < 15; ++id) {
-    setMap(-id);
-    Save();
-    setMap(1);
-    setMap(id);
-    Save();
+  for (std::int32_t last = 10; last < 15; ++last) {
+    for (const std::int32_t id : {-last, 1, last}) {
+      const auto map = std::make_shared<FED_MemoryIdMap>(ID_TYPE_NODE);
+      map->Add(0, id);
+      Db().GetIdMapsPool().SetMap(ID_TYPE_NODE, map);
+      if (id != 1) Save();
+    }
     Reopen();
-    EXPECT_EQ(Map(ID_TYPE_NODE).IdOfIndex(0), id);
+    EXPECT_EQ(Map(ID_TYPE_NODE).IdOfIndex(0), last);
   }
 }
 
