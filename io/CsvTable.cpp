@@ -49,7 +49,7 @@ class Parser {
 
   std::string TakePlain() {
     const std::size_t end = std::min(m_Text.find_first_of(",\r\n", m_Place), m_Text.size());
-    const std::string value = m_Text.substr(m_Place, end - m_Place);
+    std::string value = m_Text.substr(m_Place, end - m_Place);
     m_Place = end;
     return value;
   }

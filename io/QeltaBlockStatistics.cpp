@@ -102,6 +102,7 @@ std::vector<QeltaStatistics> ComputeStatistics(const FED_DataBlock& block) {
   const std::vector<QeltaComponent> numbers = NumbersOf(block);
   std::vector<Derived> derived = DerivedOf(block, numbers);
   std::vector<Accumulator> plain;
+  plain.reserve(numbers.size());
   for (const QeltaComponent& number : numbers) plain.emplace_back(number.title);
   std::vector<double> values(numbers.size());
   const auto add = [&](std::size_t first, std::size_t count, const unsigned char* records) {

@@ -85,7 +85,7 @@ class CsvImport {
     for (std::size_t i = 0; i < m_Fields.size(); ++i) {
       const Field& field = m_Fields[i];
       const std::string* const texts = &m_Table.rows[row][field.column];
-      double values[6];
+      double values[6] = {};
       for (std::size_t k = 0; k < field.count && field.type != 'S'; ++k) {
         values[k] = *ToDouble(texts[k]);
       }
