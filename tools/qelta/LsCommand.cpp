@@ -50,6 +50,7 @@ void PrintRows(const Blocks& blocks, const Options& options) {
   const std::vector<BlockColumn> columns = ChooseColumns(blocks, options);
   const auto output = RowOutput::Make(options.format);
   std::vector<OutputColumn> titles;
+  titles.reserve(columns.size());
   for (const BlockColumn& column : columns) titles.push_back(column.GetTitle());
   output->Begin(titles);
   for (const QeltaBlockInfo& block : blocks) {

@@ -6,7 +6,7 @@
 namespace qelta {
 
 std::shared_ptr<MaintenanceOptions> MaintenanceOptions::AddTo(CLI::App& command) {
-  const auto options = std::make_shared<MaintenanceOptions>();
+  auto options = std::make_shared<MaintenanceOptions>();
   command.add_option("DB", options->name, "Database directory")->required();
   Selection::AddProgressTo(command, options->showProgress);
   return options;

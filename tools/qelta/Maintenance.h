@@ -24,7 +24,7 @@ struct MaintenanceOptions {
 template <class Work>
 auto RunMaintenance(const std::string& what, const MaintenanceOptions& options, Work work) {
   Progress progress(what + " " + options.name, options.showProgress);
-  const auto result = work([&progress](std::uint64_t done, std::uint64_t total) {
+  auto result = work([&progress](std::uint64_t done, std::uint64_t total) {
     return progress.GoesOn(done, total);
   });
   Console::ThrowIfInterrupted();

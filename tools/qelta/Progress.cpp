@@ -1,6 +1,7 @@
 #include "Progress.h"
 
 #include <fmt/format.h>
+#include <cmath>
 
 #include <algorithm>
 
@@ -11,7 +12,7 @@ constexpr std::chrono::milliseconds kPatience(500);
 constexpr std::chrono::milliseconds kInterval(100);
 
 std::string TimeText(double seconds) {
-  const auto whole = static_cast<std::uint64_t>(seconds + 0.5);
+  const auto whole = static_cast<std::uint64_t>(std::llround(seconds));
   if (whole < 3600) return fmt::format("{}:{:02}", whole / 60, whole % 60);
   return fmt::format("{}:{:02}:{:02}", whole / 3600, whole / 60 % 60, whole % 60);
 }

@@ -66,6 +66,7 @@ class TableOutput : public RowOutput {
     Table table(std::move(aligns));
     for (const std::vector<OutputCell>& row : m_Rows) {
       std::vector<std::string> texts;
+      texts.reserve(row.size());
       for (const OutputCell& cell : row) texts.push_back(cell ? ToText(*cell, digits) : "");
       table.Add(std::move(texts));
     }
