@@ -1,0 +1,126 @@
+#include "QeltaMesh.h"
+
+#include <FED_Failure.h>
+
+#include <cstring>
+
+#include "FrdElementType.h"
+#include "QeltaComponents.h"
+
+namespace qelta {
+namespace {
+
+using Key = FED_DataDescriptor;
+
+constexpr const char* kLocation = "|%P|QeltaIo|QeltaMesh";
+
+Key WithKind(Key key, FED_OnfId kind) {
+  key.SetInteger(Key::ONF, kind);
+  return key;
+}
+
+std::int32_t ReadNumber(const unsigned char* place) {
+  std::int32_t number;
+  std::memcpy(&number, place, sizeof number);
+  return number;
+}
+
+bool IsMesh(const Key& key) {
+  return key.Has(Key::ONF) && key.GetInteger(Key::ONF) == ONF_NODE_COORDINATES;
+}
+
+// How many fields of a mesh's key say that it is the mesh of a block; -1 when one contradicts.
+int Agreement(const Key& mesh, const Key& block) {
+  int agreeing = 0;
+  for (std::size_t i = 0; i < Key::FIELD_COUNT; ++i) {
+    const Key::ResultIndex field = Key::CastIndex(i);
+    if (field == Key::ONF || field == Key::LABEL || !mesh.Has(field)) continue;
+    if (!block.Has(field) || mesh.GetInteger(field) != block.GetInteger(field)) return -1;
+    ++agreeing;
+  }
+  return agreeing;
+}
+
+}  // namespace
+
+QeltaMesh::QeltaMesh(const FED_Database& database, const Key& nodes)
+    : m_Key(nodes), m_Coordinates(&database.GetDataBlock(nodes)), m_Nodes(*m_Coordinates) {
+  const Key elements = WithKind(nodes, ONF_ELEMENT_TOPOLOGY);
+  m_Topology = database.HasBlock(elements) ? &database.GetDataBlock(elements) : nullptr;
+  if (m_Topology != nullptr) m_Cells = QeltaPositions(*m_Topology);
+}
+
+void QeltaMesh::VisitNodes(const NodeVisitor& visit) const {
+  std::size_t position = 0;
+  std::vector<double> coordinates;
+  VisitRecords(*m_Coordinates, [&](std::size_t, std::size_t count, const unsigned char* records) {
+    coordinates.resize(3 * count);
+    std::memcpy(coordinates.data(), records, coordinates.size() * sizeof(double));
+    visit(position, count, coordinates.data());
+    position += count;
+  });
+}
+
+void QeltaMesh::VisitCells(const CellVisitor& visit) const {
+  if (m_Topology == nullptr) return;
+  const std::size_t size = m_Topology->GetRecordSize();
+  Cell cell;
+  std::vector<std::int32_t> nodes;
+  VisitRecords(*m_Topology, [&](std::size_t, std::size_t count, const unsigned char* records) {
+    for (std::size_t i = 0; i < count; ++i, ++cell.position) {
+      const unsigned char* const record = records + i * size;
+      cell.vtkType = ReadNumber(record);
+      const auto handle = static_cast<std::uint64_t>(ReadNumber(record + sizeof(std::int32_t)));
+      nodes.resize(m_Topology->GetIntListLen(handle));
+      if (!nodes.empty()) m_Topology->GetIntList(handle, nodes.data());
+      ReadNodes(cell.position, nodes, cell);
+      visit(cell);
+    }
+  });
+}
+
+void QeltaMesh::ReadNodes(std::size_t position, const std::vector<std::int32_t>& indices,
+                          Cell& cell) const {
+  const FrdElementType* const type = FindFrdElementTypeOfVtkCell(cell.vtkType);
+  if (type != nullptr && indices.size() != static_cast<std::size_t>(type->nodeCount)) {
+    FED_Failure::Throw("310000001101", kLocation,
+                       "Element with record %Iu of %s has %Iu nodes, a %s has %d; correct the "
+                       "element table or leave the mesh out.",
+                       static_cast<std::uint64_t>(m_Cells.IndexAt(position)),
+                       m_Topology->GetDescriptor().ToString().c_str(),
+                       static_cast<std::uint64_t>(indices.size()), type->name, type->nodeCount);
+  }
+  cell.nodes.clear();
+  for (const std::int32_t index : indices) {
+    const auto node = m_Nodes.Find(static_cast<std::size_t>(index));
+    if (!node) {
+      FED_Failure::Throw("310000001102", kLocation,
+                         "Element with record %Iu of %s refers to node record %d, which %s does "
+                         "not have; correct the element table or leave the mesh out.",
+                         static_cast<std::uint64_t>(m_Cells.IndexAt(position)),
+                         m_Topology->GetDescriptor().ToString().c_str(), index,
+                         m_Key.ToString().c_str());
+    }
+    cell.nodes.push_back(static_cast<std::int64_t>(*node));
+  }
+}
+
+QeltaMeshes::QeltaMeshes(const FED_Database& database) {
+  for (const Key& key : database.FindBlocks(FED_DataDescriptorPattern())) {
+    if (IsMesh(key)) m_Meshes.emplace_back(database, key);
+  }
+}
+
+const QeltaMesh* QeltaMeshes::Find(const Key& key) const {
+  const QeltaMesh* best = nullptr;
+  int bestAgreement = -1;
+  for (const QeltaMesh& mesh : m_Meshes) {
+    const int agreement = Agreement(mesh.GetKey(), key);
+    if (agreement <= bestAgreement) continue;
+    best = &mesh;
+    bestAgreement = agreement;
+  }
+  return best;
+}
+
+}  // namespace qelta

@@ -1,0 +1,202 @@
+#include "QeltaSteps.h"
+
+#include <FED_OnfInfoPool.h>
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <set>
+#include <utility>
+
+#include "FrdFieldMap.h"
+
+namespace qelta {
+namespace {
+
+using Key = FED_DataDescriptor;
+
+// In the order in which a run counts them.
+constexpr std::array kStepFields = {Key::ITERATION, Key::LOADCASE, Key::SUBSTEP,
+                                    Key::INCREMENT, Key::STATE,    Key::ANALYSIS};
+using StepOrder = std::array<int, kStepFields.size()>;
+
+constexpr int kAbsent = -1;  // no field has values below 0
+
+int ValueOf(const Key& key, Key::ResultIndex field) {
+  return key.Has(field) ? key.GetInteger(field) : kAbsent;
+}
+
+StepOrder OrderOf(const Key& key) {
+  StepOrder order{};
+  for (std::size_t i = 0; i < order.size(); ++i) order[i] = ValueOf(key, kStepFields[i]);
+  return order;
+}
+
+Key StepKey(const StepOrder& order) {
+  Key key;
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    if (order[i] != kAbsent) key.SetInteger(kStepFields[i], order[i]);
+  }
+  return key;
+}
+
+void FindValue(const FED_Database& database, QeltaStep& step) {
+  constexpr std::array<std::pair<FED_OnfId, const char*>, 3> kKinds = {
+      {{ONF_FRAME_TIME, "time"},
+       {ONF_FRAME_FREQUENCY, "frequency"},
+       {ONF_BUCKLING_FACTOR, "buckling factor"}}};
+  for (const auto& [kind, name] : kKinds) {
+    Key key = step.key;
+    key.SetInteger(Key::ONF, kind);
+    if (!database.HasBlock(key)) continue;
+    const FED_DataBlock& block = database.GetDataBlock(key);
+    if (!block.HasRecord(0)) continue;
+    step.value = block.GetScalar(0);
+    step.valueName = name;
+    return;
+  }
+}
+
+bool Grow(const std::vector<double>& values) {
+  return std::adjacent_find(values.begin(), values.end(),
+                            [](double a, double b) { return !(a < b); }) == values.end();
+}
+
+std::optional<QeltaStepScale> ScaleOfValues(const std::vector<QeltaStep>& steps) {
+  QeltaStepScale scale;
+  for (const QeltaStep& step : steps) {
+    if (!step.value || step.valueName != steps.front().valueName) return std::nullopt;
+    scale.values.push_back(*step.value);
+  }
+  scale.name = steps.front().valueName;
+  if (!Grow(scale.values)) return std::nullopt;
+  return scale;
+}
+
+std::optional<QeltaStepScale> ScaleOfField(const std::vector<QeltaStep>& steps,
+                                           Key::ResultIndex field) {
+  QeltaStepScale scale;
+  for (const QeltaStep& step : steps) {
+    if (!step.key.Has(field)) return std::nullopt;
+    scale.values.push_back(step.key.GetInteger(field));
+  }
+  scale.name = Key::RD_NAME_TYPE_ITEMS[field].name;
+  if (!Grow(scale.values)) return std::nullopt;
+  return scale;
+}
+
+std::string KindName(const Key& key) {
+  if (!key.Has(Key::ONF)) return "custom";
+  return FED_OnfInfoPool::GetOnfInfo(static_cast<FED_OnfId>(key.GetInteger(Key::ONF))).name;
+}
+
+std::string BaseName(const Key& key) {
+  return key.Has(Key::LABEL) ? key.GetString(Key::LABEL) : KindName(key);
+}
+
+std::string SubLevelName(int level) {
+  switch (level) {
+    case FRD_IMAGINARY_PART:
+      return "imaginary";
+    case FRD_AMPLITUDE:
+      return "amplitude";
+    case FRD_PHASE:
+      return "phase";
+    case FRD_FILTERED:
+      return "filtered";
+    default:
+      return "sublevel" + std::to_string(level);
+  }
+}
+
+constexpr std::array kSuffixFields = {Key::OBJECTIVE_ID, Key::LAYER, Key::MICROPHONE,
+                                      Key::DIRECTION, Key::SUB_LEVEL};
+
+std::string Suffix(const Key& key, Key::ResultIndex field) {
+  if (!key.Has(field)) return {};
+  switch (field) {
+    case Key::OBJECTIVE_ID:
+      return "_" + key.GetString(field);
+    case Key::LAYER:
+      return "_layer" + std::to_string(key.GetInteger(field));
+    case Key::MICROPHONE:
+      return "_microphone" + std::to_string(key.GetInteger(field));
+    case Key::DIRECTION:
+      return "_direction" + std::to_string(key.GetInteger(field));
+    default:
+      return "_" + SubLevelName(key.GetInteger(field));
+  }
+}
+
+// The suffixes that blocks of one base name have, for each field.
+using Suffixes = std::array<std::set<std::string>, kSuffixFields.size()>;
+
+std::map<std::string, Suffixes> CollectSuffixes(const std::vector<Key>& keys) {
+  std::map<std::string, Suffixes> all;
+  for (const Key& key : keys) {
+    Suffixes& suffixes = all[BaseName(key)];
+    for (std::size_t i = 0; i < kSuffixFields.size(); ++i) {
+      suffixes[i].insert(Suffix(key, kSuffixFields[i]));
+    }
+  }
+  return all;
+}
+
+std::string NameOf(const Key& key, const Suffixes& suffixes) {
+  std::string name = BaseName(key);
+  for (std::size_t i = 0; i < kSuffixFields.size(); ++i) {
+    if (suffixes[i].size() > 1) name += Suffix(key, kSuffixFields[i]);
+  }
+  return name;
+}
+
+}  // namespace
+
+QeltaSteps FindSteps(const FED_Database& database, const std::vector<Key>& keys) {
+  std::map<StepOrder, std::vector<Key>> groups;
+  for (const Key& key : keys) groups[OrderOf(key)].push_back(key);
+  StepOrder none{};
+  none.fill(kAbsent);
+  QeltaSteps result;
+  for (auto& [order, blocks] : groups) {
+    if (order == none) {
+      result.constant = std::move(blocks);
+      continue;
+    }
+    QeltaStep step;
+    step.key = StepKey(order);
+    step.blocks = std::move(blocks);
+    FindValue(database, step);
+    result.steps.push_back(std::move(step));
+  }
+  return result;
+}
+
+QeltaStepScale ScaleOf(const std::vector<QeltaStep>& steps) {
+  if (steps.empty()) return {"step", {}};
+  if (auto scale = ScaleOfValues(steps)) return *scale;
+  for (const Key::ResultIndex field :
+       {Key::ITERATION, Key::INCREMENT, Key::STATE, Key::LOADCASE, Key::SUBSTEP}) {
+    if (auto scale = ScaleOfField(steps, field)) return *scale;
+  }
+  QeltaStepScale scale{"step", {}};
+  for (std::size_t i = 0; i < steps.size(); ++i) scale.values.push_back(static_cast<double>(i));
+  return scale;
+}
+
+std::vector<std::string> NameBlocks(const std::vector<Key>& keys) {
+  const std::map<std::string, Suffixes> suffixes = CollectSuffixes(keys);
+  std::set<std::pair<StepOrder, std::string>> taken;
+  std::vector<std::string> names;
+  for (const Key& key : keys) {
+    std::string name = NameOf(key, suffixes.at(BaseName(key)));
+    const StepOrder step = OrderOf(key);
+    if (taken.count({step, name}) != 0) name += "_" + KindName(key);
+    const std::string stem = name;
+    for (int i = 2; !taken.emplace(step, name).second; ++i) name = stem + "_" + std::to_string(i);
+    names.push_back(std::move(name));
+  }
+  return names;
+}
+
+}  // namespace qelta
