@@ -15,6 +15,15 @@ function(qelta_add_layer name)
   qelta_public_headers(${ARG_HEADERS})
 endfunction()
 
+# qelta_install_with(COMPONENT TARGETS...): the targets belong to this component of the package.
+function(qelta_install_with component)
+  get_property(components GLOBAL PROPERTY QELTA_COMPONENTS)
+  if(NOT component IN_LIST components)
+    set_property(GLOBAL APPEND PROPERTY QELTA_COMPONENTS ${component})
+  endif()
+  set_property(GLOBAL APPEND PROPERTY QELTA_COMPONENT_${component} ${ARGN})
+endfunction()
+
 function(qelta_public_headers)
   list(TRANSFORM ARGN PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
   set_property(GLOBAL APPEND PROPERTY QELTA_PUBLIC_HEADERS ${ARGN})
@@ -62,15 +71,14 @@ function(qelta_add_core_library)
     set_target_properties(Qelta${module} PROPERTIES EXPORT_NAME ${module})
     add_library(Qelta::${module} ALIAS Qelta${module})
   endforeach()
-  set_property(GLOBAL APPEND PROPERTY QELTA_INSTALL_TARGETS
-    QeltaDbConnector QeltaUtilities QeltaOnfSpecification QeltaIdMaps)
+  qelta_install_with(Core QeltaDbConnector QeltaUtilities QeltaOnfSpecification QeltaIdMaps)
 endfunction()
 
-# qelta_add_module(NAME EXPORT_NAME ... BUILDING macro SOURCES ... HEADERS ... USES ...)
-# A library of its own above the core, Qelta::<EXPORT_NAME>. BUILDING is the macro that tells its
-# headers that it is being built.
+# qelta_add_module(NAME EXPORT_NAME ... COMPONENT ... BUILDING macro SOURCES ... HEADERS ... USES ...)
+# A library of its own above the core, Qelta::<EXPORT_NAME>, in a component of the package. BUILDING
+# is the macro that tells its headers that it is being built.
 function(qelta_add_module name)
-  cmake_parse_arguments(ARG "" "EXPORT_NAME;BUILDING" "SOURCES;HEADERS;USES" ${ARGN})
+  cmake_parse_arguments(ARG "" "EXPORT_NAME;COMPONENT;BUILDING" "SOURCES;HEADERS;USES" ${ARGN})
   add_library(${name} ${QELTA_LIBRARY_TYPE} ${ARG_SOURCES})
   # Installed libraries find one another beside themselves.
   set_target_properties(${name} PROPERTIES EXPORT_NAME ${ARG_EXPORT_NAME}
@@ -82,7 +90,7 @@ function(qelta_add_module name)
   target_compile_definitions(${name} PRIVATE ${ARG_BUILDING})
   qelta_limit_exports(${name} QeltaModule.map)
   add_library(Qelta::${ARG_EXPORT_NAME} ALIAS ${name})
-  set_property(GLOBAL APPEND PROPERTY QELTA_INSTALL_TARGETS ${name})
+  qelta_install_with(${ARG_COMPONENT} ${name})
   qelta_public_headers(${ARG_HEADERS})
 endfunction()
 

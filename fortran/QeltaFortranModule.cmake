@@ -21,10 +21,12 @@ target_link_libraries(QeltaFortranModule PUBLIC QeltaFortran
   PRIVATE $<BUILD_INTERFACE:qelta_fortran_flags>)
 add_library(Qelta::FortranModule ALIAS QeltaFortranModule)
 
-set_property(GLOBAL APPEND PROPERTY QELTA_INSTALL_TARGETS QeltaFortranModule)
+qelta_install_with(Fortran QeltaFortranModule)
 if(QELTA_INSTALL)
-  install(DIRECTORY ${modules}/ DESTINATION ${CMAKE_INSTALL_LIBDIR}/${QELTA_FORTRAN_MODULES})
-  install(FILES ${sources} DESTINATION ${CMAKE_INSTALL_DATADIR}/QeltaDbConnector/fortran)
+  install(DIRECTORY ${modules}/ DESTINATION ${CMAKE_INSTALL_LIBDIR}/${QELTA_FORTRAN_MODULES}
+          COMPONENT Fortran)
+  install(FILES ${sources} DESTINATION ${CMAKE_INSTALL_DATADIR}/QeltaDbConnector/fortran
+          COMPONENT Fortran)
 endif()
 
 # qelta_add_fortran_program(NAME SOURCE ...)
