@@ -27,6 +27,12 @@ endif()
 
 include(GNUInstallDirs)
 
+# Before 1.0 every minor version is a binary interface of its own.
+set(QELTA_SOVERSION ${PROJECT_VERSION_MAJOR})
+if(PROJECT_VERSION_MAJOR EQUAL 0)
+  set(QELTA_SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+endif()
+
 if(QELTA_BUILD_FORTRAN)
   enable_language(Fortran)
   string(REGEX MATCH "^[0-9]+" compiler_version ${CMAKE_Fortran_COMPILER_VERSION})

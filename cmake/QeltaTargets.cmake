@@ -54,7 +54,7 @@ function(qelta_add_core_library)
   endforeach()
   set_target_properties(QeltaDbConnector PROPERTIES
     LINKER_LANGUAGE CXX EXPORT_NAME DbConnector
-    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    VERSION ${PROJECT_VERSION} SOVERSION ${QELTA_SOVERSION})
   target_compile_features(QeltaDbConnector PUBLIC cxx_std_17)
   target_link_libraries(QeltaDbConnector PRIVATE $<BUILD_INTERFACE:qelta_build_flags>)
   target_include_directories(QeltaDbConnector INTERFACE
@@ -82,7 +82,7 @@ function(qelta_add_module name)
   add_library(${name} ${QELTA_LIBRARY_TYPE} ${ARG_SOURCES})
   # Installed libraries find one another beside themselves.
   set_target_properties(${name} PROPERTIES EXPORT_NAME ${ARG_EXPORT_NAME}
-    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} INSTALL_RPATH "$ORIGIN")
+    VERSION ${PROJECT_VERSION} SOVERSION ${QELTA_SOVERSION} INSTALL_RPATH "$ORIGIN")
   target_include_directories(${name}
     PUBLIC $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}>
            $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/QeltaDbConnector>)

@@ -13,7 +13,7 @@ set(modules ${CMAKE_CURRENT_BINARY_DIR}/modules)
 add_library(QeltaFortranModule ${QELTA_LIBRARY_TYPE} ${sources})
 set_target_properties(QeltaFortranModule PROPERTIES
   EXPORT_NAME FortranModule Fortran_MODULE_DIRECTORY ${modules} INSTALL_RPATH $ORIGIN
-  VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+  VERSION ${PROJECT_VERSION} SOVERSION ${QELTA_SOVERSION})
 target_include_directories(QeltaFortranModule
   PUBLIC $<BUILD_INTERFACE:${modules}>
          $<INSTALL_INTERFACE:${CMAKE_INSTALL_LIBDIR}/${QELTA_FORTRAN_MODULES}>)
