@@ -1,21 +1,19 @@
-# What is installed, in parts that packages are made of: Library (shared libraries), Development,
-# Fortran and Tool. For users it is a CMake package with the components Core, File, Io and Fortran,
+# What is installed, in parts that packages are made of: Library (all shared libraries), Development,
+# Fortran (for development, too) and Tool. For users it is a CMake package with the components Core, File, Io and Fortran,
 # and the pkg-config modules qelta-db-connector, qelta-file and qelta-fortran.
 include(CMakePackageConfigHelpers)
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/QeltaDbConnector)
 
 get_property(components GLOBAL PROPERTY QELTA_COMPONENTS)
 foreach(component IN LISTS components)
-  set(library Library)
   set(development Development)
   if(component STREQUAL Fortran)
-    set(library Fortran)
     set(development Fortran)
   endif()
   get_property(targets GLOBAL PROPERTY QELTA_COMPONENT_${component})
   install(TARGETS ${targets} EXPORT Qelta${component}Targets
-    RUNTIME COMPONENT ${library}
-    LIBRARY COMPONENT ${library} NAMELINK_COMPONENT ${development}
+    RUNTIME COMPONENT Library
+    LIBRARY COMPONENT Library NAMELINK_COMPONENT ${development}
     ARCHIVE COMPONENT ${development})
   install(EXPORT Qelta${component}Targets NAMESPACE Qelta:: DESTINATION ${package_folder}
           COMPONENT ${development})
