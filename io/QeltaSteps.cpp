@@ -18,24 +18,20 @@ using Key = FED_DataDescriptor;
 // In the order in which a run counts them.
 constexpr std::array kStepFields = {Key::ITERATION, Key::LOADCASE, Key::SUBSTEP,
                                     Key::INCREMENT, Key::STATE,    Key::ANALYSIS};
-using StepOrder = std::array<int, kStepFields.size()>;
-
-constexpr int kAbsent = -1;  // no field has values below 0
-
-int ValueOf(const Key& key, Key::ResultIndex field) {
-  return key.Has(field) ? key.GetInteger(field) : kAbsent;
-}
+using StepOrder = std::array<std::optional<int>, kStepFields.size()>;
 
 StepOrder OrderOf(const Key& key) {
   StepOrder order{};
-  for (std::size_t i = 0; i < order.size(); ++i) order[i] = ValueOf(key, kStepFields[i]);
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    if (key.Has(kStepFields[i])) order[i] = key.GetInteger(kStepFields[i]);
+  }
   return order;
 }
 
 Key StepKey(const StepOrder& order) {
   Key key;
   for (std::size_t i = 0; i < order.size(); ++i) {
-    if (order[i] != kAbsent) key.SetInteger(kStepFields[i], order[i]);
+    if (order[i]) key.SetInteger(kStepFields[i], *order[i]);
   }
   return key;
 }
@@ -155,11 +151,9 @@ std::string NameOf(const Key& key, const Suffixes& suffixes) {
 QeltaSteps FindSteps(const FED_Database& database, const std::vector<Key>& keys) {
   std::map<StepOrder, std::vector<Key>> groups;
   for (const Key& key : keys) groups[OrderOf(key)].push_back(key);
-  StepOrder none{};
-  none.fill(kAbsent);
   QeltaSteps result;
   for (auto& [order, blocks] : groups) {
-    if (order == none) {
+    if (order == StepOrder{}) {
       result.constant = std::move(blocks);
       continue;
     }
