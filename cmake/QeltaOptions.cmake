@@ -14,6 +14,7 @@ option(QELTA_BUILD_EXAMPLES "Build the example programs" ${PROJECT_IS_TOP_LEVEL}
 option(QELTA_BUILD_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL})
 option(QELTA_BUILD_BENCHMARKS "Build the benchmarks" OFF)
 option(QELTA_INSTALL "Write install rules" ${PROJECT_IS_TOP_LEVEL})
+option(QELTA_BUILD_DOCS "Build the site of reference and guides" OFF)
 option(QELTA_PACKAGES "Describe packages to CPack" OFF)
 option(QELTA_WARNINGS_AS_ERRORS "Treat warnings as errors" ${PROJECT_IS_TOP_LEVEL})
 set(QELTA_SANITIZE "" CACHE STRING "Sanitizers, such as address,undefined or thread")

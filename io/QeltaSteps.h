@@ -36,8 +36,7 @@ struct QeltaStepScale {
 QeltaStepScale ScaleOf(const std::vector<QeltaStep>& steps);
 
 /// Names for the values of blocks, in their order and each but once within a step: the LABEL or
-/// else the kind, followed by what tells apart: "_imaginary", "_amplitude", "_phase", "_layer2" ...
-/// .
+/// else the kind, followed by what tells apart, such as "_imaginary", "_phase" or "_layer2".
 std::vector<std::string> NameBlocks(const std::vector<FED_DataDescriptor>& keys);
 
 }  // namespace qelta

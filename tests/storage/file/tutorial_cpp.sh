@@ -8,7 +8,9 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cat examples/cpp/cooling_rod.cpp examples/cpp/look_at_rod.cpp >"$work/compiled"
 sed -n '/^```cpp$/,/^```$/p' "$tutorial" | sed '/^```/d' | diff "$work/compiled" -
-sed -n '/^It prints$/,$p' "$tutorial" | sed -n '/^```$/,/^```$/p' | sed '/^```$/d' >"$work/told"
+awk '/^It prints$/ { wanted = 1 }
+     wanted && /^```$/ { inside = !inside; wanted = inside; next }
+     inside' "$tutorial" >"$work/told"
 cd "$work"
 "$1"
 "$2" | diff told -
