@@ -5,7 +5,6 @@
 
 #include "Commands.h"
 #include "Console.h"
-#include "Databases.h"
 #include "ExitCode.h"
 #include "Progress.h"
 #include "Selection.h"
@@ -27,8 +26,8 @@ int Copy(Options& options) {
   const std::vector<FED_DataDescriptor> keys = options.selection.Find();
   if (keys.empty()) return EXIT_NOTHING_FOUND;
   const FED_Database& source = options.selection.GetSource().Load(keys);
-  const auto target = OpenTarget(options.target, options.isDryRun);
-  QeltaBlockCopy copy(source, *target, keys, changes, options.conflict);
+  TargetDatabase target(options.target, options.isDryRun);
+  QeltaBlockCopy copy(source, target.Get(), keys, changes, options.conflict);
   const auto& jobs = copy.GetJobs();
   if (options.isDryRun) {
     for (const auto& job : jobs) Console::Print(job.second.ToString() + "\n");
@@ -39,7 +38,7 @@ int Copy(Options& options) {
       progress.Show(i, jobs.size());
       copy.CopyBlock(i);
     }
-    SaveDatabase(*target);
+    target.Save();
   }
   Console::Print((options.isDryRun ? "would copy " : "copied ") + CountText(jobs.size(), "block") +
                  ", " + std::to_string(copy.GetReplacedCount()) + " of them replaced, " +

@@ -3,8 +3,9 @@
 namespace qelta {
 
 const char* const kExitHelp =
-    "Exit codes: 0 done, 1 nothing found or different, 2 usage, 3 damaged or\n"
-    "unreadable input, 4 input or output failure, 130 interrupted.";
+    "Exit codes: 0 done, 1 nothing found or different, 2 a command that is wrong or\n"
+    "cannot be done, 3 damaged or unreadable input, 4 input or output failure, 130\n"
+    "interrupted.";
 
 const char* const kGeneralHelp =
     "Results go to the standard output, messages and progress to the standard error.\n"

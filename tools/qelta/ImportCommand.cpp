@@ -125,36 +125,43 @@ int ImportResults(Options& options, const QeltaKeyChanges& changes) {
     return isAccepted;
   };
   const FrdSource check(options.file);  // a file that is not there makes no database
-  const auto target = OpenTarget(options.target, false, options.CacheBytes());
+  TargetDatabase target(options.target, false, options.CacheBytes());
   Progress progress("importing " + options.file, options.showProgress);
   options.reading.onProgress = [&progress](std::uint64_t done, std::uint64_t total) {
     progress.Show(done, total);
   };
-  FollowedImport following(options.file, *target, options.timeout);
+  FollowedImport following(options.file, target, options.timeout);
   if (options.follows) following.Join(options.reading, choice);
-  const bool isComplete = ImportFrd(options.file, *target, options.reading, choice);
-  SaveDatabase(*target);
+  const bool isComplete = ImportFrd(options.file, target.Get(), options.reading, choice);
+  if (blocks > 0) target.Save();
   Console::Print("imported " + CountText(blocks, "block") +
                  (isComplete ? "" : "; the file has no end record yet") + "\n");
   return blocks == 0 ? EXIT_NOTHING_FOUND : EXIT_DONE;
 }
 
-int ImportTable(const Options& options, const QeltaKeyChanges& changes) {
-  const bool isStream = options.file == "-";
-  Key key;
-  key.SetString(Key::LABEL,
-                isStream ? "TABLE" : std::filesystem::path(options.file).stem().string());
-  changes.ApplyTo(key);
-  std::ifstream file;
-  if (!isStream) {
-    file.open(options.file, std::ios::binary);
-    if (!file || IsDatabase(options.file)) {
-      throw FED_Failure("", "Cannot open " + options.file + ". Check the path.", "");
-    }
+QeltaCsvImport ReadTable(const std::string& name) {
+  if (name == "-") return QeltaCsvImport(std::cin, name);
+  std::ifstream file(name, std::ios::binary);
+  if (!file || IsDatabase(name)) {
+    throw FED_Failure("", "Cannot open " + name + ". Check the path.", "");
   }
-  const auto target = OpenTarget(options.target, options.isDryRun, options.CacheBytes());
-  const std::uint64_t rows = ImportCsv(isStream ? std::cin : file, options.file, *target, key);
-  if (!options.isDryRun) SaveDatabase(*target);
+  return QeltaCsvImport(file, name);
+}
+
+int ImportTable(const Options& options, const QeltaKeyChanges& changes) {
+  Key key;
+  key.SetString(Key::LABEL, options.file == "-"
+                                ? "TABLE"
+                                : std::filesystem::path(options.file).stem().string());
+  changes.ApplyTo(key);
+  ParseOption("--set", [&key] { QeltaCsvImport::RequireKey(key); });
+  const QeltaCsvImport table = ReadTable(options.file);
+  RequireTarget(options.target, false);
+  // Whether the rows have places of their own shows in an empty database, too.
+  TargetDatabase target(options.isDryRun ? "" : options.target, options.isDryRun,
+                        options.CacheBytes());
+  const std::uint64_t rows = table.Store(target.Get(), key);
+  if (!options.isDryRun) target.Save();
   Console::Print((options.isDryRun ? "would import " : "imported ") + CountText(rows, "record") +
                  " as " + key.ToString() + "\n");
   return EXIT_DONE;

@@ -1,7 +1,6 @@
 #include "Maintenance.h"
 
 #include "Selection.h"
-#include "TargetDatabase.h"
 
 namespace qelta {
 

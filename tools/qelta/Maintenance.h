@@ -7,6 +7,7 @@
 #include "Console.h"
 #include "Databases.h"
 #include "Progress.h"
+#include "TargetDatabase.h"
 
 namespace qelta {
 
@@ -29,6 +30,13 @@ auto RunMaintenance(const std::string& what, const MaintenanceOptions& options, 
   });
   Console::ThrowIfInterrupted();
   return result;
+}
+
+/// Runs `work`, which makes the target. Fails as a wrong command line does when that exists.
+template <class Work>
+auto MakeTarget(const MaintenanceOptions& options, Work work) {
+  RequireTarget(options.target, true);
+  return WithTarget(options.target, work);
 }
 
 /// The problems, and then "3 blocks, 12 MB: intact", or the other word.
