@@ -216,12 +216,19 @@ printf 'v\n1\n1e400\n' >huge.csv
 head -c 50000 job.frd >cut.frd
 while IFS='|' read -r code complaint arguments; do
   # shellcheck disable=SC2086 # words are wanted
-  check "$code" "$complaint" $arguments
+  check "$code" "$complaint" $arguments </dev/null
   [ ! -e never.db ] || fail "qelta $arguments left a database behind"
 done <<'TABLE'
 3|missing|import missing never.db
 3|ends too early|import cut.frd never.db
 1|imported 0 blocks|import job.frd never.db -w LAYER=1
+1|imported 0 blocks|import job.frd never.db --step 9
+1|imported 0 blocks|import job.frd never.db --step 9 --latest
+1|imported 0 blocks|import job.frd never.db --step 9 --follow
+2|--follow|import job.frd never.db --timeout 1
+2|read only once|import - never.db --latest
+2|read only once|import - never.db -w INCREMENT=max
+2|read only once|copy - never.db
 2|would both become|import job.frd never.db -w LABEL=DISP --set SUBSTEP=1 --set INCREMENT=1
 2|would both become|copy binary.db never.db -w LABEL=DISP --set ONF=101 --set SUBSTEP=1 --set STATE=!
 3|line 3: 'a' in the column u.y|import letters.csv never.db

@@ -19,8 +19,12 @@ counts 1
 prints "ONF=101/LOADCASE=1/SUBSTEP=4/ANALYSIS=0/INCREMENT=4/LABEL=DISP"
 expect 0 find -w onf=mode_shape -w state=2.. "$text"
 counts 3
-expect 0 find "$text"
+expect 0 find - <"$text"
 counts 48
+expect 0 ls - --count <"$text"
+prints 48
+cat "$text" | "$qelta" info - >"$out" 2>"$err" || fail "info of a pipe"
+prints "54 nodes"
 expect 1 find "$text" -w LAYER=1
 
 expect 0 show "$text" -w LABEL=DISP -w INCREMENT=max --id 9,18
@@ -41,8 +45,6 @@ expect 0 show "$text" -w LABEL=DISP -w SUBSTEP=1 --id 2..3 --format csv
 counts 3
 prints "1,2,-0.0144358,-0.0018476199999999999,-0.0354381"
 
-expect 0 ls "$text" --count
-prints 48
 expect 0 ls "$text" -w LABEL=DISP --sort substep --reverse --columns SUBSTEP,kind --format csv
 [ "$(sed -n 2p "$out")" = "8,MODE_SHAPE" ] || fail "not sorted"
 expect 0 ls "$text" --group-by kind

@@ -20,7 +20,7 @@ void AddFindCommand(CLI::App& app, Action& action) {
   const auto selection = std::make_shared<Selection>();
   CLI::App* const command =
       app.add_subcommand("find", "Print the keys of the selected blocks, one a line");
-  selection->AddTo(*command);
+  selection->AddTo(*command, false);
   command->footer(
       "Examples:\n"
       "  qelta find job.frd\n"

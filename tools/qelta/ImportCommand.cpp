@@ -59,19 +59,27 @@ bool IsInStep(const Key& key, const Options& options) {
   return !options.step || !key.Has(Key::LOADCASE) || key.GetInteger(Key::LOADCASE) == *options.step;
 }
 
+bool IsOfStep(const Key& key, const Options& options) {
+  return !options.step ||
+         (key.Has(Key::LOADCASE) && key.GetInteger(Key::LOADCASE) == *options.step);
+}
+
 bool IsInFrame(const Key& key, int frame) {
   return !key.Has(Key::SUBSTEP) || key.GetInteger(Key::SUBSTEP) == frame;
 }
 
-// Extremes are known when the whole file is: it is read once more for them.
+// Extremes are known when the whole file is: it is read once more for them. None without the step.
 std::vector<Key> SelectKeys(const Options& options, const QeltaPatternText& pattern) {
   std::vector<Key> keys;
   int latest = std::numeric_limits<int>::min();
+  bool hasStep = false;
   for (const auto& block : SummarizeFrd(options.file, options.reading).blocks) {
     if (!IsInStep(block.key, options)) continue;
     keys.push_back(block.key);
+    hasStep = hasStep || IsOfStep(block.key, options);
     if (block.key.Has(Key::SUBSTEP)) latest = std::max(latest, block.key.GetInteger(Key::SUBSTEP));
   }
+  if (!hasStep) keys.clear();
   if (options.onlyLatest) {
     keys.erase(std::remove_if(keys.begin(), keys.end(),
                               [latest](const Key& key) { return !IsInFrame(key, latest); }),
@@ -119,7 +127,9 @@ int ImportResults(Options& options, const QeltaKeyChanges& changes) {
   if (options.follows) WaitForFile(options.file, options.timeout);
   FrdImportChoice choice = MakeChoice(options, pattern, changes);
   std::uint64_t blocks = 0;
-  choice.accepts = [&blocks, accepts = choice.accepts](const Key& key) {
+  bool hasStep = false;
+  choice.accepts = [&, accepts = choice.accepts](const Key& key) {
+    hasStep = hasStep || IsOfStep(key, options);
     const bool isAccepted = accepts(key);
     blocks += isAccepted ? 1u : 0u;
     return isAccepted;
@@ -132,7 +142,11 @@ int ImportResults(Options& options, const QeltaKeyChanges& changes) {
   };
   FollowedImport following(options.file, target, options.timeout);
   if (options.follows) following.Join(options.reading, choice);
+  choice.onTable = [&, tell = choice.onTable](bool isOpen) {
+    if (tell && hasStep && blocks > 0) tell(isOpen);
+  };
   const bool isComplete = ImportFrd(options.file, target.Get(), options.reading, choice);
+  if (!hasStep) blocks = 0;
   if (blocks > 0) target.Save();
   Console::Print("imported " + CountText(blocks, "block") +
                  (isComplete ? "" : "; the file has no end record yet") + "\n");
@@ -167,6 +181,12 @@ int ImportTable(const Options& options, const QeltaKeyChanges& changes) {
   return EXIT_DONE;
 }
 
+void RequireSinglePass(const Options& options) {
+  if (options.file != "-") return;
+  const bool isTwice = options.onlyLatest || options.selection.GetPattern().HasExtremes();
+  if (options.follows || (isTwice && !options.isDryRun)) ThrowReadOnce();
+}
+
 int Import(Options& options) {
   const QeltaKeyChanges changes = ParseChanges(options.changes);
   if (options.isCsv || HasEnding(options.file, ".csv")) {
@@ -177,7 +197,8 @@ int Import(Options& options) {
     }
     return ImportTable(options, changes);
   }
-  if (options.file == "-") options.file = "/dev/stdin";
+  RequireSinglePass(options);
+  options.file = PathOfSource(options.file);
   return ImportResults(options, changes);
 }
 
@@ -201,11 +222,13 @@ void AddImportCommand(CLI::App& app, Action& action) {
   command->add_flag("--latest", options->onlyLatest,
                     "Of the results only those of the last frame,\nand the mesh");
   AddSetOption(*command, options->changes);
-  command->add_flag("--follow", options->follows,
-                    "Keep up with a running solver until the end\nrecord; save what is whole");
+  CLI::Option* const follow =
+      command->add_flag("--follow", options->follows,
+                        "Keep up with a running solver until the end\nrecord; save what is whole");
   command
       ->add_option("--timeout", options->timeout,
                    "With --follow: end when the file has not grown\nfor so long")
+      ->needs(follow)
       ->check(CLI::PositiveNumber.description(""))
       ->type_name("SECONDS");
   Selection::AddRunningTo(*command, options->reading.acceptRunningJob);
@@ -225,6 +248,7 @@ void AddImportCommand(CLI::App& app, Action& action) {
       "tells another. Columns 'index' and 'id' say where a row goes: to a record index,\n"
       "or, with --set ID_TYPE=0 (node), 1 (element) ..., to the record of that id.\n"
       "NAME.x, NAME.y, NAME.z make a vector, NAME.xx, .yy, .zz, .xy, .yz, .zx a tensor.\n"
+      "The titles themselves are not kept: the fields are FIELD_1, FIELD_2 and so on.\n"
       "\n"
       "Examples:\n"
       "  qelta import job.frd run.db\n"

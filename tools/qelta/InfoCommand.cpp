@@ -240,7 +240,7 @@ void PrintResultFile(const Options& options) {
   reading.onProgress = [&progress](std::uint64_t done, std::uint64_t total) {
     progress.Show(done, total);
   };
-  const FrdFileSummary summary = SummarizeFrd(options.file, reading);
+  const FrdFileSummary summary = SummarizeFrd(PathOfSource(options.file), reading);
   std::vector<QeltaBlockInfo> blocks;
   for (const auto& block : summary.blocks) blocks.push_back(DescribeBlock(block));
   PrintFile(options, summary);
@@ -263,8 +263,7 @@ int Info(const Options& options) {
 void AddInfoCommand(CLI::App& app, Action& action) {
   const auto options = std::make_shared<Options>();
   CLI::App* const command = app.add_subcommand("info", "Show what a source holds");
-  command->add_option("SOURCE", options->file, "Database directory or CalculiX result file (.frd)")
-      ->required();
+  Selection::AddSourceTo(*command, options->file, false);
   Selection::AddRunningTo(*command, options->acceptRunningJob);
   Selection::AddProgressTo(*command, options->showProgress);
   command->footer(
