@@ -107,11 +107,15 @@ expect 0 compact run.db
 [ "$(du -s run.db | cut -f1)" -lt "$before" ] || fail "compact gave nothing back"
 check 0 "48 blocks" verify saved.db
 prints intact
+check 0 "[]" verify saved.db --format json
+check 0 "DISPLACEMENT,DISP,I|V,4,216" info saved.db --format csv
+check 0 '"ids":{"node":54,' info saved.db --format json
 expect 0 diff job.frd saved.db --only-different
 cp -r binary.db damaged.db
 set_bytes damaged.db/payload-1.qd 20000 '\377\000\377'
 "$qelta" verify damaged.db >"$out" 2>"$err"
 [ $? -eq 3 ] && [ ! -s "$err" ] && counts 2 || fail "verify of a damaged database"
+"$qelta" verify damaged.db --format jsonl | grep -q '^{"problem":"Block ONF=' || fail "verify as json"
 block=$(sed -n 's/^Block \(ONF=[^:]*\): .*/\1/p' "$out")
 [ -n "$block" ] || fail "verify names no block"
 check 3 "Block $block" backup damaged.db other.db

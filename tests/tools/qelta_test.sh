@@ -19,6 +19,9 @@ counts 1
 prints "ONF=101/LOADCASE=1/SUBSTEP=4/ANALYSIS=0/INCREMENT=4/LABEL=DISP"
 expect 0 find -w onf=mode_shape -w state=2.. "$text"
 counts 3
+check 0 '{"descriptor":"ONF=2"}' find "$text" -w ONF=2 --format json
+check 0 '"elements":{"hex8":16}' info "$text" --format jsonl
+counts 1
 expect 0 find - <"$text"
 counts 48
 expect 0 ls - --count <"$text"

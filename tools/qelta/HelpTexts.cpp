@@ -12,9 +12,10 @@ const char* const kGeneralHelp =
     "A SOURCE is a database directory or a CalculiX result file (.frd, text or\n"
     "binary). Tables are for people; --format csv, json and jsonl give numbers with\n"
     "all their digits. In JSON a number that is none or infinite is the text NaN,\n"
-    "Infinity or -Infinity. Progress is shown on terminals only, and bold letters\n"
-    "unless NO_COLOR is set. Ctrl-C leaves a database at its last checkpoint. A\n"
-    "closed pipe is no error.";
+    "Infinity or -Infinity. Where a source turns out to be damaged midway, a JSON\n"
+    "array is not closed, so that nobody takes it for all. Progress is shown on\n"
+    "terminals only, and bold letters unless NO_COLOR is set. Ctrl-C leaves a\n"
+    "database at its last checkpoint. A closed pipe is no error.";
 
 const char* const kPatternHelp =
     "Selecting blocks\n"

@@ -7,6 +7,7 @@
 #include "Console.h"
 #include "Databases.h"
 #include "Progress.h"
+#include "RowOutput.h"
 #include "TargetDatabase.h"
 
 namespace qelta {
@@ -16,6 +17,7 @@ struct MaintenanceOptions {
   std::string name;
   std::string target;
   bool showProgress = true;
+  OutputFormat format = OutputFormat::Table;
 
   static std::shared_ptr<MaintenanceOptions> AddTo(CLI::App& command);
 };
@@ -39,7 +41,9 @@ auto MakeTarget(const MaintenanceOptions& options, Work work) {
   return WithTarget(options.target, work);
 }
 
-/// The problems, and then "3 blocks, 12 MB: intact", or the other word.
-void PrintReport(const DatabaseReport& report, const std::string& well, const std::string& badly);
+/// The problems, and then "3 blocks, 12 MB: intact", or the other word. Formats other than a table
+/// get the problems alone.
+void PrintReport(const DatabaseReport& report, const std::string& well, const std::string& badly,
+                 OutputFormat format = OutputFormat::Table);
 
 }  // namespace qelta

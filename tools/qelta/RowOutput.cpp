@@ -169,4 +169,16 @@ std::unique_ptr<RowOutput> RowOutput::Make(OutputFormat format, std::optional<in
   return std::make_unique<TableOutput>(digits);
 }
 
+void PrintLines(const std::string& column, const std::vector<std::string>& texts,
+                OutputFormat format) {
+  if (format == OutputFormat::Table) {
+    for (const std::string& text : texts) Console::Print(text + "\n");
+    return;
+  }
+  const auto output = RowOutput::Make(format);
+  output->Begin({{column}});
+  for (const std::string& text : texts) output->Add({text});
+  output->End();
+}
+
 }  // namespace qelta
