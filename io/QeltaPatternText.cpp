@@ -11,6 +11,7 @@
 
 #include "QeltaFieldText.h"
 #include "QeltaNames.h"
+#include "QeltaUtf8.h"
 
 namespace qelta {
 namespace {
@@ -72,11 +73,11 @@ bool MatchesGlob(const std::string& text, const std::string& glob) {
       star = g++;
       resume = i;
     } else if (g < glob.size() && (glob[g] == '?' || glob[g] == text[i])) {
+      i = glob[g] == '?' ? SkipCharacters(text, i, 1) : i + 1;
       ++g;
-      ++i;
     } else if (star != std::string::npos) {
       g = star + 1;
-      i = ++resume;
+      i = resume = SkipCharacters(text, resume, 1);
     } else {
       return false;
     }

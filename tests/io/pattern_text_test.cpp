@@ -119,6 +119,17 @@ TEST(PatternText, ExtremesLookAtWhatIsLeft) {
   EXPECT_TRUE(QeltaPatternText({"STATE=max/LOADCASE"}).HasExtremes());
 }
 
+TEST(PatternText, CountsCharactersNotBytes) {
+  const std::pair<const char*, bool> rows[] = {
+      {"Verdr?ngung", true}, {"Verdr??ngung", false}, {"*?*ngung", true},      {"?erdr*", true},
+      {"Verdr\xC3*", true},  {"V*??????????", true},  {"V*???????????", false}};
+  Key key;
+  key.SetString(Key::LABEL, "Verdr\xC3\xA4ngung");
+  for (const auto& [glob, isLike] : rows) {
+    EXPECT_EQ(QeltaPatternText({std::string("LABEL~") + glob}).Accepts(key), isLike) << glob;
+  }
+}
+
 TEST(PatternText, SelectsFromADatabase) {
   FED_MemoryDatabase database;
   database.InitDb(FED_IdMapsPool(), FED_DatabaseDefs::CREATE, 0, L"");
