@@ -163,7 +163,13 @@ TEST(PatternText, SaysWhatIsWrong) {
       {"STATE=1x", "STATE takes an integer, not '1x'"},
       {"STATE=..", "STATE=? asks for any value"},
       {"STATE=99999999999", "STATE takes an integer"},
-      {"STATE=3..2", "The range STATE=3..2 is empty"}};
+      {"STATE=3..2", "The range STATE=3..2 is empty"},
+      {"LABEL=", "write LABEL=''"},
+      {"LABEL~", "write LABEL~''"},
+      {"LABEL=max", "write LABEL='max'"},
+      {"LABEL=min/STATE", "write LABEL='min/STATE'"},
+      {"LABEL=D..E", "write LABEL='D..E'"},
+      {"LABEL=?,DISP", "write LABEL='?'"}};
   for (const auto& [text, message] : rows) {
     const FED_Failure failure = CatchFailure([&text = text] { QeltaPatternText({text}); });
     EXPECT_NE(failure.GetMessageText().find(message), std::string::npos) << failure.what();
@@ -176,7 +182,13 @@ TEST(KeyChanges, SetAndRemoveFields) {
   QeltaKeyChanges({"iteration=12", "LABEL=a=b", "STATE=!", "ONF=velocity"}).ApplyTo(key);
   EXPECT_EQ(key.ToString(), "ITERATION=12/ONF=102/LABEL=a=b");
   EXPECT_TRUE(QeltaKeyChanges().IsEmpty());
-  for (const char* text : {"STATE", "LAYER=4", "LABL=x"}) {
+  QeltaKeyChanges({"LABEL= 'it''s !' ", "STATE='4'"}).ApplyTo(key);
+  EXPECT_EQ(key.GetString(Key::LABEL), "it's !");
+  EXPECT_EQ(key.GetInteger(Key::STATE), 4);
+  QeltaKeyChanges({"LABEL='!'"}).ApplyTo(key);
+  EXPECT_EQ(key.GetString(Key::LABEL), "!");
+  for (const char* text :
+       {"STATE", "LAYER=4", "LABL=x", "LABEL=", "LABEL='x", "LABEL='x'y", "STATE='!'"}) {
     CatchFailure([text] { QeltaKeyChanges({text}); });
   }
 }

@@ -68,7 +68,7 @@ void AddSetOption(CLI::App& command, std::vector<std::string>& texts) {
   command
       .add_option("--set", texts,
                   "Store under a changed key; FIELD=! leaves\n"
-                  "the field out. May be repeated")
+                  "the field out, quotes as for -w. May be\nrepeated")
       ->expected(1)
       ->allow_extra_args(false)
       ->take_all()
