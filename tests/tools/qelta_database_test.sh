@@ -87,7 +87,6 @@ check 1 "only in second  ITERATION=3" diff binary.db two.db -w LABEL=DISP --only
 complains "nothing is compared"
 check 2 'the value is empty' show binary.db --id ''
 check 2 "ends before it begins" show binary.db --rows 5..3
-check 2 "--head" show binary.db --head -1
 expect 1 diff binary.db two.db -w LABEL=DISP -w ITERATION=? --ignore-field ITERATION
 check 0 "would delete 8 blocks" rm two.db -w ITERATION=3 -n
 check 2 "--yes" rm two.db -w ITERATION=3 </dev/null

@@ -120,11 +120,21 @@ complains "from 1 to 3"
 expect 2 find "$text" -w STATE=3..2
 expect 2 ls "$text" --sort LABL
 complains "Did you mean LABEL?"
-expect 2 ls "$text" --format xml
+while IFS='|' read -r complaint arguments; do
+  # shellcheck disable=SC2086 # words are wanted
+  check 2 "$complaint (qelta --help says more)" $arguments "$text"
+done <<'TABLE'
+--format: takes one of csv, json, jsonl, table, not 'xml'|ls --format xml
+--on-conflict: takes one of fail, replace, skip, not '0'|copy x.db --on-conflict 0
+--head: takes a whole number from 0 to 2147483647, not '-1'|show --head -1
+--head: takes a whole number from 0 to 2147483647, not '99999999999999999999'|show --head 99999999999999999999
+--abs: takes a number that is not negative, not '-1'|diff x.db --abs -1
+--rel: takes a number that is not negative, not 'nan'|diff x.db --rel nan
+--timeout: takes a number greater than 0, not '0'|import --follow --timeout 0 x.db
+TABLE
 expect 2 show "$text" --id 1x
 expect 2 stats "$text" --by foo
-expect 2 diff "$text" "$text" --tol STRESS
-expect 2 diff "$text" "$text" --rel -1
+expect 2 diff "$text" "$text" --tol STRESS=nan
 expect 2 import "$text" "$folder/new.db" --follow --latest
 expect 2 import "$text" "$folder/new.db" --set ITERATION=x
 expect 2 rm "$folder/new.db"

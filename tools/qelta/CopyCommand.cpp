@@ -6,6 +6,7 @@
 #include "Commands.h"
 #include "Console.h"
 #include "ExitCode.h"
+#include "OptionChecks.h"
 #include "Progress.h"
 #include "Selection.h"
 #include "TargetDatabase.h"
@@ -63,7 +64,7 @@ void AddCopyCommand(CLI::App& app, Action& action) {
   command
       ->add_option("--on-conflict", options->conflict,
                    "What to do about blocks that TARGET has:\nfail (as a rule), skip or replace")
-      ->transform(CLI::CheckedTransformer(kConflicts).description(""))
+      ->transform(Choice(kConflicts))
       ->type_name("WHAT");
   command->add_flag("-n,--dry-run", options->isDryRun,
                     "Only print the keys of what would be copied");

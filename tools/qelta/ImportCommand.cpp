@@ -17,6 +17,7 @@
 #include "Databases.h"
 #include "ExitCode.h"
 #include "FollowedImport.h"
+#include "OptionChecks.h"
 #include "Progress.h"
 #include "Selection.h"
 #include "TargetDatabase.h"
@@ -218,6 +219,7 @@ void AddImportCommand(CLI::App& app, Action& action) {
   options->selection.AddWhereTo(*command);
   command
       ->add_option("--step", options->step, "Of the results only those of this step, and the\nmesh")
+      ->check(WholeNumber(0, std::numeric_limits<int>::max()))
       ->type_name("N");
   command->add_flag("--latest", options->onlyLatest,
                     "Of the results only those of the last frame,\nand the mesh");
@@ -229,14 +231,14 @@ void AddImportCommand(CLI::App& app, Action& action) {
       ->add_option("--timeout", options->timeout,
                    "With --follow: end when the file has not grown\nfor so long")
       ->needs(follow)
-      ->check(CLI::PositiveNumber.description(""))
+      ->check(PlainNumber(false))
       ->type_name("SECONDS");
   Selection::AddRunningTo(*command, options->reading.acceptRunningJob);
   command->add_flag("--csv", options->isCsv, "FILE is a table, whatever its name");
   command->add_flag("-n,--dry-run", options->isDryRun,
                     "Only print the keys of what would be imported");
   command->add_option("--cache", options->cacheMegabytes, "Memory for blocks, in MiB")
-      ->check(CLI::Range(1, 1 << 20).description(""))
+      ->check(WholeNumber(1, 1 << 20))
       ->type_name("MIB");
   Selection::AddProgressTo(*command, options->showProgress);
   command->footer(

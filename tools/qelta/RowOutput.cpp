@@ -4,6 +4,7 @@
 
 #include "Console.h"
 #include "JsonText.h"
+#include "OptionChecks.h"
 
 namespace qelta {
 namespace {
@@ -151,7 +152,7 @@ void RowOutput::AddFormatOption(CLI::App& command, OutputFormat& format) {
                                                                {"json", OutputFormat::Json},
                                                                {"jsonl", OutputFormat::JsonLines}};
   command.add_option("--format", format, "table, csv, json or jsonl (an object a line)")
-      ->transform(CLI::CheckedTransformer(kFormats).description(""))
+      ->transform(Choice(kFormats))
       ->type_name("FORMAT");
 }
 
