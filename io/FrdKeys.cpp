@@ -84,4 +84,22 @@ FED_OnfId GetFrdValueKind(const FrdDataset& dataset) {
   return ONF_FRAME_TIME;
 }
 
+const char* GetFrdAnalysisName(FrdAnalysis analysis) {
+  switch (analysis) {
+    case FRD_STATIC:
+      return "static";
+    case FRD_TIME_STEP:
+      return "time steps";
+    case FRD_MODAL:
+      return "modal";
+    case FRD_OTHER:
+      return "other";
+    case FRD_BUCKLING:
+      return "buckling";
+    case FRD_STEADY_STATE:
+      return "steady state";
+  }
+  return "";
+}
+
 }  // namespace qelta

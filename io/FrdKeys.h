@@ -31,4 +31,7 @@ FED_DataDescriptor MakeFrdPartKey(const FrdDataset& dataset, const FrdFieldPart&
 /// What the value of the dataset's frame is: a time, a frequency or a buckling factor.
 FED_OnfId GetFrdValueKind(const FrdDataset& dataset);
 
+/// "static", "time steps", "modal" ...
+const char* GetFrdAnalysisName(FrdAnalysis analysis);
+
 }  // namespace qelta

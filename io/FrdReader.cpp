@@ -179,7 +179,7 @@ void FrdReader::HandleCut() {
     FED_Failure::Throw(
         "310000000507", kLocation,
         "%s, %s: the file ends too early, in the middle of a table or header. If the "
-        "job is still running, use acceptRunningJob (qelta: --running); if not, copy "
+        "job is still running, read it as such (--running); if not, copy "
         "the file again, or let the solver write it again.",
         m_Source.GetName().c_str(), m_Source.GetPlace().c_str());
   }

@@ -59,14 +59,14 @@ QeltaBlockCopy::QeltaBlockCopy(const FED_Database& source, FED_Database& target,
     Key changed = key.Duplicate();
     changes.ApplyTo(changed);
     if (!used.insert(changed).second) {
-      FED_Failure::Throw("310000000603", kLocation,
+      FED_Failure::Throw(kCollisionId, kLocation,
                          "With these changes of keys %s and another block would both become %s; "
                          "select fewer blocks or change other fields.",
                          key.ToString().c_str(), changed.ToString().c_str());
     }
     const bool isThere = target.HasBlock(changed);
     if (isThere && conflict == QeltaConflict::Fail) {
-      FED_Failure::Throw("310000000604", kLocation,
+      FED_Failure::Throw(kConflictId, kLocation,
                          "The target has a block %s already; skip or replace such blocks.",
                          changed.ToString().c_str());
     }

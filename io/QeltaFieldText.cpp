@@ -5,6 +5,7 @@
 #include <FED_OnfInfoPool.h>
 #include <QeltaStringUtil.h>
 
+#include <algorithm>
 #include <optional>
 
 #include "QeltaNames.h"
@@ -77,6 +78,40 @@ int ParseFieldBound(Key::ResultIndex field, const std::string& text) {
   return field == Key::ONF && number ? *number : ParseFieldValue(field, text);
 }
 
+std::string TakeQuoted(const std::string& text, std::size_t& begin) {
+  std::string quoted;
+  for (;; ++begin) {
+    const std::size_t quote = text.find('\'', begin);
+    if (quote == std::string::npos) {
+      ThrowUsage("310000000710", "A quote is not closed in '" + text + "'.");
+    }
+    quoted += text.substr(begin, quote - begin);
+    begin = quote + 1;
+    if (text[begin] != '\'') return quoted;
+    quoted += '\'';
+  }
+}
+
+namespace {
+
+// The value behind the sign, without quotes; nothing for an exclamation mark.
+std::optional<std::string> TakeValue(const std::string& text, std::size_t sign) {
+  std::size_t begin = std::min(text.find_first_not_of(" \t", sign + 1), text.size());
+  const std::string value = text.substr(sign + 1);
+  if (text[begin] == '\'') {
+    std::string quoted = TakeQuoted(text, ++begin);
+    if (text.find_first_not_of(" \t", begin) == std::string::npos) return quoted;
+    ThrowUsage("310000001002", "Something stands behind a closing quote in '" + text + "'.");
+  }
+  if (value == "!") return std::nullopt;
+  if (!value.empty()) return value;
+  ThrowUsage("310000001003", "'" + text +
+                                 "' has no value; write ! behind it to leave the field "
+                                 "out, or '' for an empty text.");
+}
+
+}  // namespace
+
 QeltaKeyChanges::QeltaKeyChanges(const std::vector<std::string>& texts) {
   for (const std::string& text : texts) {
     const std::size_t sign = text.find('=');
@@ -84,13 +119,13 @@ QeltaKeyChanges::QeltaKeyChanges(const std::vector<std::string>& texts) {
       ThrowUsage("310000000709", "'" + text + "' sets no field; the form is FIELD=VALUE.");
     }
     const Key::ResultIndex field = ParseFieldName(text.substr(0, sign));
-    const std::string value = text.substr(sign + 1);
-    if (value == "!") {
+    const std::optional<std::string> value = TakeValue(text, sign);
+    if (!value) {
       m_Removed.push_back(field);
     } else if (Info(field).type == Key::STRING_FIELD) {
-      m_Values.SetString(field, value);
+      m_Values.SetString(field, *value);
     } else {
-      m_Values.SetInteger(field, ParseFieldValue(field, value));
+      m_Values.SetInteger(field, ParseFieldValue(field, *value));
     }
   }
 }

@@ -4,6 +4,7 @@
 #include <FED_OnfCategoryId.h>
 #include <FED_OnfId.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -31,7 +32,12 @@ int ParseFieldValue(FED_DataDescriptor::ResultIndex field, const std::string& te
 /// The same as the bound of a range: for ONF any number.
 int ParseFieldBound(FED_DataDescriptor::ResultIndex field, const std::string& text);
 
-/// Changes of keys, each given as "FIELD=VALUE", or "FIELD=!" to leave the field out.
+/// Takes a text in single quotes, in which a quote is doubled. `begin` stands behind the first one,
+/// and behind the last one afterwards.
+std::string TakeQuoted(const std::string& text, std::size_t& begin);
+
+/// Changes of keys, each given as "FIELD=VALUE", or "FIELD=!" to leave the field out. A value in
+/// quotes is never anything but a text.
 class QeltaKeyChanges {
  public:
   QeltaKeyChanges() = default;

@@ -11,6 +11,7 @@
 
 #include "QeltaFieldText.h"
 #include "QeltaNames.h"
+#include "QeltaUtf8.h"
 
 namespace qelta {
 namespace {
@@ -31,21 +32,6 @@ bool IsText(Key::ResultIndex field) {
 }
 
 const std::string& NameOf(Key::ResultIndex field) { return Key::RD_NAME_TYPE_ITEMS[field].name; }
-
-// Takes the text to the next quote that is not doubled; `begin` stands behind the first one.
-std::string TakeQuoted(const std::string& text, std::size_t& begin) {
-  std::string quoted;
-  for (;; ++begin) {
-    const std::size_t quote = text.find('\'', begin);
-    if (quote == std::string::npos) {
-      ThrowUsage("310000000710", "A quote is not closed in '" + text + "'.");
-    }
-    quoted += text.substr(begin, quote - begin);
-    begin = quote + 1;
-    if (text[begin] != '\'') return quoted;
-    quoted += '\'';
-  }
-}
 
 // Takes one item of a list, and leaves `begin` at the comma or semicolon behind it, or at the end.
 Item TakeItem(const std::string& text, std::size_t& begin) {
@@ -72,11 +58,11 @@ bool MatchesGlob(const std::string& text, const std::string& glob) {
       star = g++;
       resume = i;
     } else if (g < glob.size() && (glob[g] == '?' || glob[g] == text[i])) {
+      i = glob[g] == '?' ? SkipCharacters(text, i, 1) : i + 1;
       ++g;
-      ++i;
     } else if (star != std::string::npos) {
       g = star + 1;
-      i = ++resume;
+      i = resume = SkipCharacters(text, resume, 1);
     } else {
       return false;
     }
@@ -181,12 +167,27 @@ void QeltaPatternText::AddNumbers(const Condition& condition) {
   }
 }
 
+// A word that means something for a number, but nothing for a text.
+void QeltaPatternText::RequireTexts(const Condition& condition) {
+  for (const auto& [text, isQuoted] : condition.items) {
+    const std::string which = text.substr(0, text.find('/'));
+    const bool isWord = text == "?" || text == "!" || text.find("..") != std::string::npos ||
+                        IsSameName(which, "max") || IsSameName(which, "min");
+    if (isQuoted || !(text.empty() || (isWord && !condition.isGlob))) continue;
+    const std::string sign = NameOf(condition.field) + (condition.isGlob ? "~" : "=");
+    ThrowUsage("310000001004", sign + text + " means nothing here: " + NameOf(condition.field) +
+                                   " holds texts. For this very text, write " + sign + "'" + text +
+                                   "'.");
+  }
+}
+
 void QeltaPatternText::AddTexts(const Condition& condition) {
   const Field field = condition.field;
   if (!IsText(field)) {
     ThrowUsage("310000000708", NameOf(field) + " holds a number, which ~ cannot test; write " +
                                    NameOf(field) + "=10..20 or " + NameOf(field) + "=1,3,7.");
   }
+  RequireTexts(condition);
   if (!condition.isGlob && condition.items.size() == 1) {
     PlainFor(field).SetMatchExact(field, condition.items[0].text);
     return;

@@ -27,7 +27,8 @@ namespace qelta {
 /// without the other field of an extreme are a group of their own.
 ///
 /// Upper and lower case of field names, kinds, categories, `max` and `min` do not matter. Blanks
-/// around names and values count only in quotes; a quote in quotes is doubled.
+/// around names and values count only in quotes; a quote in quotes is doubled. Texts have no ranges
+/// and no extremes: what looks like one must be quoted, and so must an empty text.
 class QeltaPatternText {
  public:
   /// Selects everything.
@@ -63,6 +64,7 @@ class QeltaPatternText {
 
   void Add(const Condition& condition);
   void AddNumbers(const Condition& condition);
+  static void RequireTexts(const Condition& condition);
   void AddTexts(const Condition& condition);
   bool AddExtreme(const Condition& condition);
   FED_DataDescriptorPattern& PlainFor(Field field);

@@ -11,7 +11,7 @@ std::size_t QeltaSelectingSink::OpenBlock(const FED_DataDescriptor& key, const s
   FED_DataDescriptor changed = key.Duplicate();
   m_Changes.ApplyTo(changed);
   if (!m_Changed.insert(changed).second) {
-    FED_Failure::Throw("310000000602", "|%P|QeltaIo|QeltaSelectingSink",
+    FED_Failure::Throw(kCollisionId, "|%P|QeltaIo|QeltaSelectingSink",
                        "With these changes of keys %s and another block would both become %s; "
                        "select fewer blocks or change other fields.",
                        key.ToString().c_str(), changed.ToString().c_str());

@@ -14,6 +14,9 @@ class QeltaSelectingSink : public QeltaBlockSink {
  public:
   using Accepts = std::function<bool(const FED_DataDescriptor&)>;
 
+  /// The message id of the failure when the changes give two blocks one key.
+  static constexpr const char* kCollisionId = "310000000602";
+
   /// No function accepts all. The target must outlive this object.
   QeltaSelectingSink(QeltaBlockSink& target, Accepts accepts, QeltaKeyChanges changes = {})
       : m_Target(target), m_Accepts(std::move(accepts)), m_Changes(std::move(changes)) {}

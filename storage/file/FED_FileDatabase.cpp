@@ -210,3 +210,7 @@ bool FED_FileDatabase::IsSystemFailure(const FED_Exception& failure) {
   return problem == qelta::IoProblem::NO_SPACE || problem == qelta::IoProblem::LOCKED ||
          problem == qelta::IoProblem::OTHER;
 }
+
+bool FED_FileDatabase::IsRefusal(const FED_Exception& failure) {
+  return dynamic_cast<const qelta::IoFailure*>(&failure) != nullptr;
+}

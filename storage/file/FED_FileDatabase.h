@@ -108,6 +108,10 @@ class QELTA_FILE_STORAGE_EXPORT FED_FileDatabase : public FED_StorageDatabase {
   /// come from the caller's request or from damage.
   static bool IsSystemFailure(const FED_Exception& failure);
 
+  /// Whether the system refused something, be it such a failure, or a path that is not there, is
+  /// there already, or may not be touched. The message names the path.
+  static bool IsRefusal(const FED_Exception& failure);
+
  protected:
   FED_DataBlock* MakeStoredBlock(const FED_DataDescriptor& primary) override;
   std::uint64_t GetClosings() const override;

@@ -58,10 +58,9 @@ class FileStore {
   std::vector<StoredBlock> TakeStored() { return std::move(m_Stored); }
   const std::vector<AliasRow>& GetAliases() const { return m_Aliases; }
   const std::vector<IdMapRow>& GetIdMaps() const { return m_IdMaps; }
-  /// Blocks whose kind this program lacks or defines otherwise: they are left alone.
-  const std::vector<BlockRow>& GetUnknownBlocks() const { return m_Unknown; }
 
-  /// Whether one of these blocks has that name.
+  /// Whether a block has that name whose kind this program lacks or defines otherwise: such blocks
+  /// are left alone.
   bool IsUnknownName(const std::string& key);
 
   // Blocks.

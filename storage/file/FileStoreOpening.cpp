@@ -73,13 +73,15 @@ void FileStore::OpenForWriting() {
 void FileStore::OpenOrCreate() {
   const DatabaseDirectory place(m_Files, m_Directory);
   const DatabaseDirectory::State found = place.Look();
+  const bool wasThere = found == DatabaseDirectory::State::THERE;
   if (found == DatabaseDirectory::State::ABSENT) MakeDirectory();
   if (m_Mode == FED_DatabaseDefs::CREATE) place.RequireNothingForeign();
   m_Lock = std::make_unique<DatabaseLock>(m_Files, m_Directory, true);
-  if (place.Look() != DatabaseDirectory::State::THERE) CreateFiles();
+  // Another one may have made it meanwhile.
+  if (!wasThere && place.Look() != DatabaseDirectory::State::THERE) CreateFiles();
   // Whoever made them may have been stopped before their names were durable.
   m_Files.SyncDirectory(m_Directory);
-  SyncParent(found == DatabaseDirectory::State::THERE);
+  SyncParent(wasThere);
   m_Catalogue = std::make_unique<Catalogue>(m_Files, PathOf(DatabaseDirectory::kCatalogue),
                                             Catalogue::Access::WRITE, m_Files.IsLocal(m_Directory));
   Load(*m_Catalogue);

@@ -112,44 +112,61 @@ std::vector<IdMapRow> IdMapStore::Collect(FileStore& store, const FED_IdMapsPool
   return rows;
 }
 
+// What a map is now, and whether that is what is stored.
+IdMapStore::Finding IdMapStore::Examine(const FED_IdMapsPool& pool, FED_IdType type,
+                                        Snapshot& now) const {
+  const Entry& entry = m_Entries[static_cast<std::size_t>(type)];
+  const FED_IdMap& map = pool.GetMap(type);
+  const bool isCounted = HasSignature(pool, type, now.signature);
+  if (isCounted && !entry.isPending && now.signature == entry.saved) return Finding::UNTOUCHED;
+  if (HidesEntities(map)) return Finding::HIDDEN;
+  now.bytes = EncodeIdMap(map, now.entities);
+  now.hash = HashOf(now.bytes);
+  const bool isNone = now.bytes.empty() && entry.chunks.empty();
+  return isNone || now.hash == entry.hash ? Finding::SAME : Finding::CHANGED;
+}
+
 bool IdMapStore::HaveChanged(const FED_IdMapsPool& pool) const {
   for (std::size_t i = 0; i < kTypes; ++i) {
-    const auto type = static_cast<FED_IdType>(i);
-    const FED_IdMap& map = pool.GetMap(type);
-    Signature now;
-    if (HasSignature(pool, type, now) && now == m_Entries[i].saved) continue;
-    if (HidesEntities(map)) continue;
-    std::uint64_t entities = 0;
-    const std::string bytes = EncodeIdMap(map, entities);
-    const bool isStored = !m_Entries[i].chunks.empty();
-    if (bytes.empty() ? isStored : HashOf(bytes) != m_Entries[i].hash) return true;
+    Snapshot now;
+    if (Examine(pool, static_cast<FED_IdType>(i), now) == Finding::CHANGED) return true;
   }
   return false;
 }
 
+void IdMapStore::ReportHidden(Entry& entry, FED_IdType type, const FileStore& store) {
+  if (entry.isReported) return;
+  entry.isReported = true;
+  FED_LogMacros::log_msg(FED_LogMacros::LOG_CONTINUED, __FILE__, __LINE__, kLocation,
+                         "The id map of type '%s' is not stored in %s: it cannot be listed.",
+                         FED_ID_TYPE_INFO[type].name.c_str(), store.GetDirectory().c_str());
+}
+
 bool IdMapStore::CollectOne(FileStore& store, FED_IdType type, const FED_IdMapsPool& pool,
                             IdMapRow& row) {
-  const FED_IdMap& map = pool.GetMap(type);
   Entry& entry = m_Entries[static_cast<std::size_t>(type)];
-  Signature now;
-  const bool isCounted = HasSignature(pool, type, now);
-  if (isCounted && !entry.isPending && now == entry.saved) return false;
-  if (HidesEntities(map)) {
-    if (entry.isReported) return false;
-    entry.isReported = true;
-    FED_LogMacros::log_msg(FED_LogMacros::LOG_CONTINUED, __FILE__, __LINE__, kLocation,
-                           "The id map of type '%s' is not stored in %s: it cannot be listed.",
-                           FED_ID_TYPE_INFO[type].name.c_str(), store.GetDirectory().c_str());
-    return false;
-  }
-  const std::string bytes = EncodeIdMap(map, row.entities);
-  const std::uint64_t hash = HashOf(bytes);
+  Snapshot now;
+  const Finding finding = Examine(pool, type, now);
+  if (finding == Finding::HIDDEN) ReportHidden(entry, type, store);
+  if (finding == Finding::HIDDEN || finding == Finding::UNTOUCHED) return false;
   if (entry.isPending) ReleaseUnshared(store, entry.collectedChunks, entry.chunks, 0);
   entry.isPending = false;
-  if (hash == entry.hash || (bytes.empty() && entry.chunks.empty())) {
-    entry.saved = now;
+  if (finding == Finding::SAME) {
+    entry.saved = now.signature;
     return false;
   }
+  Write(store, now.bytes, entry);
+  entry.collected = now.signature;
+  entry.collectedHash = now.hash;
+  row.type = type;
+  row.entities = now.entities;
+  row.bytes = now.bytes.size();
+  row.chunks = PackChunks(entry.collectedChunks);
+  return true;
+}
+
+// Chunks that are stored as they are now are kept.
+void IdMapStore::Write(FileStore& store, const std::string& bytes, Entry& entry) {
   entry.collectedChunks.clear();
   entry.isPending = true;
   for (std::size_t at = 0; at < bytes.size(); at += kChunkBytes) {
@@ -164,12 +181,6 @@ bool IdMapStore::CollectOne(FileStore& store, FED_IdType type, const FED_IdMapsP
         isKept ? entry.chunks[number].extent : store.StoreExtent(&bytes[at], size);
     entry.collectedChunks.push_back({Part::ID_MAP, number, extent});
   }
-  entry.collected = now;
-  entry.collectedHash = hash;
-  row.type = type;
-  row.bytes = bytes.size();
-  row.chunks = PackChunks(entry.collectedChunks);
-  return true;
 }
 
 void IdMapStore::ReleaseUnshared(FileStore& store, const std::vector<StoredChunk>& chunks,

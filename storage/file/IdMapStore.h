@@ -71,6 +71,18 @@ class IdMapStore {
     bool isReported = false;
   };
 
+  struct Snapshot {
+    Signature signature;
+    std::string bytes;
+    std::uint64_t hash = 0;
+    std::uint64_t entities = 0;
+  };
+  // A map that is untouched was not encoded, nor was one that hides what it has.
+  enum class Finding { UNTOUCHED, HIDDEN, SAME, CHANGED };
+
+  Finding Examine(const FED_IdMapsPool& pool, FED_IdType type, Snapshot& now) const;
+  static void ReportHidden(Entry& entry, FED_IdType type, const FileStore& store);
+  static void Write(FileStore& store, const std::string& bytes, Entry& entry);
   static bool HasSignature(const FED_IdMapsPool& pool, FED_IdType type, Signature& signature);
   static std::string ReadBytes(FileStore& store, const IdMapRow& row, Entry& entry);
   static void ReleaseUnshared(FileStore& store, const std::vector<StoredChunk>& chunks,

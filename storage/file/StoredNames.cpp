@@ -110,19 +110,20 @@ bool StoredNames::IsStorable(FileStore& store, const std::string& alias) {
 bool StoredNames::Collect(FileStore& store, const FED_DataBlockSet& blocks,
                           std::vector<AliasRow>& aliases) {
   aliases.clear();
-  m_Collected = m_Saved;
+  m_Collected.reset();
   if (m_StoreCount == blocks.GetStoreCount() && m_BlockChanges == store.GetBlockChanges()) {
     return false;
   }
   m_Collected = Find(store, blocks);
   if (m_Collected == m_Saved) return false;
   aliases = m_Unknown;
-  for (const auto& [alias, key] : m_Collected) aliases.push_back({alias, key});
+  for (const auto& [alias, key] : *m_Collected) aliases.push_back({alias, key});
   return true;
 }
 
 void StoredNames::Committed(const FED_DataBlockSet& blocks, const FileStore& store) {
-  m_Saved.swap(m_Collected);
+  if (m_Collected) m_Saved.swap(*m_Collected);
+  m_Collected.reset();
   m_StoreCount = blocks.GetStoreCount();
   m_BlockChanges = store.GetBlockChanges();
 }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -44,8 +45,8 @@ class StoredNames {
   Aliases m_Saved;
   std::vector<AliasRow> m_Unknown;  // of blocks that are left alone
   std::vector<FED_DataDescriptor> m_Old;
-  std::set<std::string> m_Reported;  // aliases that cannot be stored
-  Aliases m_Collected;
+  std::set<std::string> m_Reported;    // aliases that cannot be stored
+  std::optional<Aliases> m_Collected;  // unless nothing was registered or deleted
   std::uint64_t m_StoreCount = 0;
   std::uint64_t m_BlockChanges = 0;
 };

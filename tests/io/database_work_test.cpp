@@ -202,7 +202,7 @@ TEST(Copy, TranslatesCustomBlocksOfNodesAndHonoursWhatIsThere) {
 
 std::uint64_t ImportText(Database& database, const std::string& text, const Key& key) {
   std::istringstream stream(text);
-  return ImportCsv(stream, "t.csv", database, key);
+  return QeltaCsvImport(stream, "t.csv").Store(database, key);
 }
 
 TEST(Csv, BecomesRecordsOfFittingTypes) {

@@ -119,6 +119,17 @@ TEST(PatternText, ExtremesLookAtWhatIsLeft) {
   EXPECT_TRUE(QeltaPatternText({"STATE=max/LOADCASE"}).HasExtremes());
 }
 
+TEST(PatternText, CountsCharactersNotBytes) {
+  const std::pair<const char*, bool> rows[] = {
+      {"Verdr?ngung", true}, {"Verdr??ngung", false}, {"*?*ngung", true},      {"?erdr*", true},
+      {"Verdr\xC3*", true},  {"V*??????????", true},  {"V*???????????", false}};
+  Key key;
+  key.SetString(Key::LABEL, "Verdr\xC3\xA4ngung");
+  for (const auto& [glob, isLike] : rows) {
+    EXPECT_EQ(QeltaPatternText({std::string("LABEL~") + glob}).Accepts(key), isLike) << glob;
+  }
+}
+
 TEST(PatternText, SelectsFromADatabase) {
   FED_MemoryDatabase database;
   database.InitDb(FED_IdMapsPool(), FED_DatabaseDefs::CREATE, 0, L"");
@@ -152,7 +163,13 @@ TEST(PatternText, SaysWhatIsWrong) {
       {"STATE=1x", "STATE takes an integer, not '1x'"},
       {"STATE=..", "STATE=? asks for any value"},
       {"STATE=99999999999", "STATE takes an integer"},
-      {"STATE=3..2", "The range STATE=3..2 is empty"}};
+      {"STATE=3..2", "The range STATE=3..2 is empty"},
+      {"LABEL=", "write LABEL=''"},
+      {"LABEL~", "write LABEL~''"},
+      {"LABEL=max", "write LABEL='max'"},
+      {"LABEL=min/STATE", "write LABEL='min/STATE'"},
+      {"LABEL=D..E", "write LABEL='D..E'"},
+      {"LABEL=?,DISP", "write LABEL='?'"}};
   for (const auto& [text, message] : rows) {
     const FED_Failure failure = CatchFailure([&text = text] { QeltaPatternText({text}); });
     EXPECT_NE(failure.GetMessageText().find(message), std::string::npos) << failure.what();
@@ -165,7 +182,13 @@ TEST(KeyChanges, SetAndRemoveFields) {
   QeltaKeyChanges({"iteration=12", "LABEL=a=b", "STATE=!", "ONF=velocity"}).ApplyTo(key);
   EXPECT_EQ(key.ToString(), "ITERATION=12/ONF=102/LABEL=a=b");
   EXPECT_TRUE(QeltaKeyChanges().IsEmpty());
-  for (const char* text : {"STATE", "LAYER=4", "LABL=x"}) {
+  QeltaKeyChanges({"LABEL= 'it''s !' ", "STATE='4'"}).ApplyTo(key);
+  EXPECT_EQ(key.GetString(Key::LABEL), "it's !");
+  EXPECT_EQ(key.GetInteger(Key::STATE), 4);
+  QeltaKeyChanges({"LABEL='!'"}).ApplyTo(key);
+  EXPECT_EQ(key.GetString(Key::LABEL), "!");
+  for (const char* text :
+       {"STATE", "LAYER=4", "LABL=x", "LABEL=", "LABEL='x", "LABEL='x'y", "STATE='!'"}) {
     CatchFailure([text] { QeltaKeyChanges({text}); });
   }
 }

@@ -19,8 +19,15 @@ counts 1
 prints "ONF=101/LOADCASE=1/SUBSTEP=4/ANALYSIS=0/INCREMENT=4/LABEL=DISP"
 expect 0 find -w onf=mode_shape -w state=2.. "$text"
 counts 3
-expect 0 find "$text"
+check 0 '{"descriptor":"ONF=2"}' find "$text" -w ONF=2 --format json
+check 0 '"elements":{"hex8":16}' info "$text" --format jsonl
+counts 1
+expect 0 find - <"$text"
 counts 48
+expect 0 ls - --count <"$text"
+prints 48
+cat "$text" | "$qelta" info - >"$out" 2>"$err" || fail "info of a pipe"
+prints "54 nodes"
 expect 1 find "$text" -w LAYER=1
 
 expect 0 show "$text" -w LABEL=DISP -w INCREMENT=max --id 9,18
@@ -41,8 +48,6 @@ expect 0 show "$text" -w LABEL=DISP -w SUBSTEP=1 --id 2..3 --format csv
 counts 3
 prints "1,2,-0.0144358,-0.0018476199999999999,-0.0354381"
 
-expect 0 ls "$text" --count
-prints 48
 expect 0 ls "$text" -w LABEL=DISP --sort substep --reverse --columns SUBSTEP,kind --format csv
 [ "$(sed -n 2p "$out")" = "8,MODE_SHAPE" ] || fail "not sorted"
 expect 0 ls "$text" --group-by kind
@@ -115,11 +120,21 @@ complains "from 1 to 3"
 expect 2 find "$text" -w STATE=3..2
 expect 2 ls "$text" --sort LABL
 complains "Did you mean LABEL?"
-expect 2 ls "$text" --format xml
+while IFS='|' read -r complaint arguments; do
+  # shellcheck disable=SC2086 # words are wanted
+  check 2 "$complaint (qelta --help says more)" $arguments "$text"
+done <<'TABLE'
+--format: takes one of csv, json, jsonl, table, not 'xml'|ls --format xml
+--on-conflict: takes one of fail, replace, skip, not '0'|copy x.db --on-conflict 0
+--head: takes a whole number from 0 to 2147483647, not '-1'|show --head -1
+--head: takes a whole number from 0 to 2147483647, not '99999999999999999999'|show --head 99999999999999999999
+--abs: takes a number that is not negative, not '-1'|diff x.db --abs -1
+--rel: takes a number that is not negative, not 'nan'|diff x.db --rel nan
+--timeout: takes a number greater than 0, not '0'|import --follow --timeout 0 x.db
+TABLE
 expect 2 show "$text" --id 1x
 expect 2 stats "$text" --by foo
-expect 2 diff "$text" "$text" --tol STRESS
-expect 2 diff "$text" "$text" --rel -1
+expect 2 diff "$text" "$text" --tol STRESS=nan
 expect 2 import "$text" "$folder/new.db" --follow --latest
 expect 2 import "$text" "$folder/new.db" --set ITERATION=x
 expect 2 rm "$folder/new.db"

@@ -20,8 +20,10 @@ void AddBackupCommand(CLI::App& app, Action& action) {
   command->callback([&action, options] {
     action = [options] {
       RunMaintenance("backing up", *options, [&](const auto& progress) {
-        BackupDatabase(options->name, options->target, progress);
-        return 0;
+        return MakeTarget(*options, [&] {
+          BackupDatabase(options->name, options->target, progress);
+          return 0;
+        });
       });
       return EXIT_DONE;
     };

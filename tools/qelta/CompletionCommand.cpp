@@ -6,6 +6,7 @@
 #include "Commands.h"
 #include "Console.h"
 #include "ExitCode.h"
+#include "OptionChecks.h"
 
 namespace qelta {
 namespace {
@@ -164,9 +165,7 @@ void AddCompletionCommand(CLI::App& app, Action& action) {
   const auto shell = std::make_shared<std::string>();
   CLI::App* const command =
       app.add_subcommand("completion", "Print a script that completes commands in a shell");
-  command->add_option("SHELL", *shell, "bash or zsh")
-      ->required()
-      ->check(CLI::IsMember({"bash", "zsh"}).description(""));
+  command->add_option("SHELL", *shell, "bash or zsh")->required()->check(OneOf({"bash", "zsh"}));
   command->footer(
       "Examples:\n"
       "  eval \"$(qelta completion bash)\"\n"

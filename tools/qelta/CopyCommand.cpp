@@ -5,8 +5,8 @@
 
 #include "Commands.h"
 #include "Console.h"
-#include "Databases.h"
 #include "ExitCode.h"
+#include "OptionChecks.h"
 #include "Progress.h"
 #include "Selection.h"
 #include "TargetDatabase.h"
@@ -27,8 +27,8 @@ int Copy(Options& options) {
   const std::vector<FED_DataDescriptor> keys = options.selection.Find();
   if (keys.empty()) return EXIT_NOTHING_FOUND;
   const FED_Database& source = options.selection.GetSource().Load(keys);
-  const auto target = OpenTarget(options.target, options.isDryRun);
-  QeltaBlockCopy copy(source, *target, keys, changes, options.conflict);
+  TargetDatabase target(options.target, options.isDryRun);
+  QeltaBlockCopy copy(source, target.Get(), keys, changes, options.conflict);
   const auto& jobs = copy.GetJobs();
   if (options.isDryRun) {
     for (const auto& job : jobs) Console::Print(job.second.ToString() + "\n");
@@ -39,7 +39,7 @@ int Copy(Options& options) {
       progress.Show(i, jobs.size());
       copy.CopyBlock(i);
     }
-    SaveDatabase(*target);
+    target.Save();
   }
   Console::Print((options.isDryRun ? "would copy " : "copied ") + CountText(jobs.size(), "block") +
                  ", " + std::to_string(copy.GetReplacedCount()) + " of them replaced, " +
@@ -64,7 +64,7 @@ void AddCopyCommand(CLI::App& app, Action& action) {
   command
       ->add_option("--on-conflict", options->conflict,
                    "What to do about blocks that TARGET has:\nfail (as a rule), skip or replace")
-      ->transform(CLI::CheckedTransformer(kConflicts).description(""))
+      ->transform(Choice(kConflicts))
       ->type_name("WHAT");
   command->add_flag("-n,--dry-run", options->isDryRun,
                     "Only print the keys of what would be copied");

@@ -1,10 +1,11 @@
 #include "Databases.h"
 
-#include <FED_Failure.h>
 #include <FED_FileDatabase.h>
+#include <FED_LogMacros.h>
 #include <FrdSource.h>
 #include <QeltaStringUtil.h>
 
+#include <CLI/CLI.hpp>
 #include <filesystem>
 
 namespace qelta {
@@ -13,7 +14,7 @@ namespace {
 std::wstring ToWide(const std::string& name) {
   std::wstring wide;
   if (!QeltaStringUtil::ToWide(name, wide)) {
-    FED_Failure::Throw("", "|%P|qelta|Databases", "The name '%s' is not in UTF-8.", name.c_str());
+    throw CLI::ValidationError("The name '" + name + "' is not in UTF-8.");
   }
   return wide;
 }
@@ -54,6 +55,22 @@ std::unique_ptr<FED_Database> OpenExistingDatabase(const std::string& name) {
 
 void SaveDatabase(FED_Database& database) { dynamic_cast<FED_FileDatabase&>(database).Save(); }
 
+void DiscardChanges(std::unique_ptr<FED_Database> database) {
+  const auto ignore = [](void*, FED_LogMacros::LogMsgType, const char*, int, const char*,
+                         const char*) {};
+  FED_LogMacros::SetSink(ignore, nullptr);
+  database.reset();
+}
+
+// Its files go before its lock does: nobody else can have saved there. Where the system does not
+// remove open files, there is a moment in between.
+void DiscardDatabase(std::unique_ptr<FED_Database> database, const std::string& name) {
+  std::error_code error;
+  std::filesystem::remove_all(name, error);
+  DiscardChanges(std::move(database));
+  if (error) std::filesystem::remove_all(name, error);
+}
+
 DatabaseReport VerifyDatabase(const std::string& name, const DatabaseProgress& progress) {
   return ToReport(Open(name, FED_DatabaseDefs::READ_ONLY, 0)->Verify(progress));
 }
@@ -76,5 +93,7 @@ bool IsDeviceFailure(const FED_Exception& failure) {
   return FED_FileDatabase::IsSystemFailure(failure) ||
          failure.GetMessageId() == FrdSource::kReadErrorId;
 }
+
+bool IsRefusal(const FED_Exception& failure) { return FED_FileDatabase::IsRefusal(failure); }
 
 }  // namespace qelta

@@ -27,6 +27,12 @@ std::unique_ptr<FED_Database> OpenExistingDatabase(const std::string& name);
 /// Makes all changes durable at once.
 void SaveDatabase(FED_Database& database);
 
+/// Closes a database without saving, and says nothing about what is lost.
+void DiscardChanges(std::unique_ptr<FED_Database> database);
+
+/// The same, and deletes it.
+void DiscardDatabase(std::unique_ptr<FED_Database> database, const std::string& name);
+
 /// Called with the bytes that are done and those that there are; false ends the work early.
 using DatabaseProgress = std::function<bool(std::uint64_t done, std::uint64_t total)>;
 
@@ -52,5 +58,8 @@ void BackupDatabase(const std::string& name, const std::string& target,
 
 /// True for the failure of a device, false for damage.
 bool IsDeviceFailure(const FED_Exception& failure);
+
+/// True when the system refused something under a path that the failure names.
+bool IsRefusal(const FED_Exception& failure);
 
 }  // namespace qelta

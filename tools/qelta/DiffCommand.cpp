@@ -6,6 +6,7 @@
 #include "Commands.h"
 #include "Console.h"
 #include "ExitCode.h"
+#include "OptionChecks.h"
 #include "Progress.h"
 #include "RowOutput.h"
 #include "Selection.h"
@@ -44,10 +45,9 @@ const char* Name(State state) {
 void ReadTolerances(Options& options) {
   for (const std::string& text : options.labels) {
     const std::size_t sign = text.rfind('=');
+    const std::string number = sign == std::string::npos ? "" : text.substr(sign + 1);
     double value = 0;
-    const bool isValid = sign != std::string::npos &&
-                         CLI::detail::lexical_cast(text.substr(sign + 1), value) && value >= 0;
-    if (!isValid) {
+    if (!PlainNumber(true)(number).empty() || !CLI::detail::lexical_cast(number, value)) {
       throw CLI::ValidationError("--tol", "'" + text + "' is not of the form LABEL=1e-6.");
     }
     options.tolerances.relativeOfLabel[text.substr(0, sign)] = value;
@@ -180,10 +180,10 @@ void AddDiffCommand(CLI::App& app, Action& action) {
   command->add_option("SECOND", options->second, "The other one")->required();
   options->selection.AddPatternTo(*command);
   command->add_option("--abs", options->tolerances.absolute, "Absolute tolerance")
-      ->check(CLI::NonNegativeNumber.description(""))
+      ->check(PlainNumber(true))
       ->type_name("X");
   command->add_option("--rel", options->tolerances.relative, "Relative tolerance")
-      ->check(CLI::NonNegativeNumber.description(""))
+      ->check(PlainNumber(true))
       ->type_name("X");
   command
       ->add_option("--tol", options->labels,

@@ -1,31 +1,40 @@
 #include <memory>
 
 #include "Commands.h"
-#include "Console.h"
 #include "ExitCode.h"
+#include "RowOutput.h"
 #include "Selection.h"
 
 namespace qelta {
 namespace {
 
-int Find(Selection& selection) {
-  const std::vector<FED_DataDescriptor> found = selection.Find();
-  for (const FED_DataDescriptor& key : found) Console::Print(key.ToString() + "\n");
+struct Options {
+  Selection selection;
+  OutputFormat format = OutputFormat::Table;
+};
+
+int Find(Options& options) {
+  const std::vector<FED_DataDescriptor> found = options.selection.Find();
+  std::vector<std::string> keys;
+  keys.reserve(found.size());
+  for (const FED_DataDescriptor& key : found) keys.push_back(key.ToString());
+  PrintLines("descriptor", keys, options.format);
   return found.empty() ? EXIT_NOTHING_FOUND : EXIT_DONE;
 }
 
 }  // namespace
 
 void AddFindCommand(CLI::App& app, Action& action) {
-  const auto selection = std::make_shared<Selection>();
+  const auto options = std::make_shared<Options>();
   CLI::App* const command =
       app.add_subcommand("find", "Print the keys of the selected blocks, one a line");
-  selection->AddTo(*command);
+  options->selection.AddTo(*command, false);
+  RowOutput::AddFormatOption(*command, options->format);
   command->footer(
       "Examples:\n"
       "  qelta find job.frd\n"
       "  qelta find run.db -w LABEL=DISP -w INCREMENT=max/LOADCASE");
-  command->callback([&action, selection] { action = [selection] { return Find(*selection); }; });
+  command->callback([&action, options] { action = [options] { return Find(*options); }; });
 }
 
 }  // namespace qelta

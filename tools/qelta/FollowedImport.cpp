@@ -7,7 +7,6 @@
 #include <thread>
 
 #include "Console.h"
-#include "Databases.h"
 
 namespace qelta {
 namespace {
@@ -34,7 +33,7 @@ void WaitForFile(const std::string& file, std::optional<double> timeout) {
   while (!std::filesystem::exists(file, error) && !IsOver(start, timeout)) Pause();
 }
 
-FollowedImport::FollowedImport(std::string file, FED_Database& target,
+FollowedImport::FollowedImport(std::string file, TargetDatabase& target,
                                std::optional<double> timeout)
     : m_File(std::move(file)), m_Target(target), m_Timeout(timeout) {}
 
@@ -72,7 +71,7 @@ void FollowedImport::OnTable(bool isOpen) {
 }
 
 void FollowedImport::Save() {
-  SaveDatabase(m_Target);
+  m_Target.Save();
   m_Saved = Clock::now();
   m_HasUnsaved = m_HasWaited = false;
 }

@@ -1,12 +1,13 @@
 #pragma once
 
-#include <FED_Database.h>
 #include <FrdImport.h>
 
 #include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
+
+#include "TargetDatabase.h"
 
 namespace qelta {
 
@@ -18,7 +19,7 @@ void WaitForFile(const std::string& file, std::optional<double> timeout);
 class FollowedImport {
  public:
   /// The database must outlive this object.
-  FollowedImport(std::string file, FED_Database& target, std::optional<double> timeout);
+  FollowedImport(std::string file, TargetDatabase& target, std::optional<double> timeout);
 
   /// Makes an import with these options such a one; it must end before this object goes.
   void Join(FrdReadOptions& reading, FrdImportChoice& choice);
@@ -31,7 +32,7 @@ class FollowedImport {
   void Save();
 
   std::string m_File;
-  FED_Database& m_Target;
+  TargetDatabase& m_Target;
   std::optional<double> m_Timeout;
   std::uint64_t m_Size = 0;
   Clock::time_point m_Grown = Clock::now();

@@ -3,17 +3,19 @@
 namespace qelta {
 
 const char* const kExitHelp =
-    "Exit codes: 0 done, 1 nothing found or different, 2 usage, 3 damaged or\n"
-    "unreadable input, 4 input or output failure, 130 interrupted.";
+    "Exit codes: 0 done, 1 nothing found or different, 2 a command that is wrong or\n"
+    "cannot be done, 3 damaged or unreadable input, 4 input or output failure, 130\n"
+    "interrupted.";
 
 const char* const kGeneralHelp =
     "Results go to the standard output, messages and progress to the standard error.\n"
     "A SOURCE is a database directory or a CalculiX result file (.frd, text or\n"
     "binary). Tables are for people; --format csv, json and jsonl give numbers with\n"
     "all their digits. In JSON a number that is none or infinite is the text NaN,\n"
-    "Infinity or -Infinity. Progress is shown on terminals only, and bold letters\n"
-    "unless NO_COLOR is set. Ctrl-C leaves a database at its last checkpoint. A\n"
-    "closed pipe is no error.";
+    "Infinity or -Infinity. Where a source turns out to be damaged midway, a JSON\n"
+    "array is not closed, so that nobody takes it for all. Progress is shown on\n"
+    "terminals only, and bold letters unless NO_COLOR is set. Ctrl-C leaves a\n"
+    "database at its last checkpoint. A closed pipe is no error.";
 
 const char* const kPatternHelp =
     "Selecting blocks\n"
@@ -36,6 +38,9 @@ const char* const kPatternHelp =
     "  ONF=@nodal           any kind of a category\n"
     "  INCREMENT=max        the highest, or min: the lowest, of all that are left\n"
     "  INCREMENT=max/LOADCASE   the same for each value of another field\n"
+    "\n"
+    "Texts have no ranges and no highest: a text with .. in it, max, min, ? or ! in a\n"
+    "list, and an empty text stand in quotes. A quote in quotes is doubled.\n"
     "\n"
     "First all conditions that look at one block alone are tested, then the extremes\n"
     "one after another as they are given, each over what the ones before it have\n"

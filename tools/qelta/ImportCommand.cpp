@@ -17,6 +17,7 @@
 #include "Databases.h"
 #include "ExitCode.h"
 #include "FollowedImport.h"
+#include "OptionChecks.h"
 #include "Progress.h"
 #include "Selection.h"
 #include "TargetDatabase.h"
@@ -59,19 +60,27 @@ bool IsInStep(const Key& key, const Options& options) {
   return !options.step || !key.Has(Key::LOADCASE) || key.GetInteger(Key::LOADCASE) == *options.step;
 }
 
+bool IsOfStep(const Key& key, const Options& options) {
+  return !options.step ||
+         (key.Has(Key::LOADCASE) && key.GetInteger(Key::LOADCASE) == *options.step);
+}
+
 bool IsInFrame(const Key& key, int frame) {
   return !key.Has(Key::SUBSTEP) || key.GetInteger(Key::SUBSTEP) == frame;
 }
 
-// Extremes are known when the whole file is: it is read once more for them.
+// Extremes are known when the whole file is: it is read once more for them. None without the step.
 std::vector<Key> SelectKeys(const Options& options, const QeltaPatternText& pattern) {
   std::vector<Key> keys;
   int latest = std::numeric_limits<int>::min();
+  bool hasStep = false;
   for (const auto& block : SummarizeFrd(options.file, options.reading).blocks) {
     if (!IsInStep(block.key, options)) continue;
     keys.push_back(block.key);
+    hasStep = hasStep || IsOfStep(block.key, options);
     if (block.key.Has(Key::SUBSTEP)) latest = std::max(latest, block.key.GetInteger(Key::SUBSTEP));
   }
+  if (!hasStep) keys.clear();
   if (options.onlyLatest) {
     keys.erase(std::remove_if(keys.begin(), keys.end(),
                               [latest](const Key& key) { return !IsInFrame(key, latest); }),
@@ -119,45 +128,64 @@ int ImportResults(Options& options, const QeltaKeyChanges& changes) {
   if (options.follows) WaitForFile(options.file, options.timeout);
   FrdImportChoice choice = MakeChoice(options, pattern, changes);
   std::uint64_t blocks = 0;
-  choice.accepts = [&blocks, accepts = choice.accepts](const Key& key) {
+  bool hasStep = false;
+  choice.accepts = [&, accepts = choice.accepts](const Key& key) {
+    hasStep = hasStep || IsOfStep(key, options);
     const bool isAccepted = accepts(key);
     blocks += isAccepted ? 1u : 0u;
     return isAccepted;
   };
   const FrdSource check(options.file);  // a file that is not there makes no database
-  const auto target = OpenTarget(options.target, false, options.CacheBytes());
+  TargetDatabase target(options.target, false, options.CacheBytes());
   Progress progress("importing " + options.file, options.showProgress);
   options.reading.onProgress = [&progress](std::uint64_t done, std::uint64_t total) {
     progress.Show(done, total);
   };
-  FollowedImport following(options.file, *target, options.timeout);
+  FollowedImport following(options.file, target, options.timeout);
   if (options.follows) following.Join(options.reading, choice);
-  const bool isComplete = ImportFrd(options.file, *target, options.reading, choice);
-  SaveDatabase(*target);
+  choice.onTable = [&, tell = choice.onTable](bool isOpen) {
+    if (tell && hasStep && blocks > 0) tell(isOpen);
+  };
+  const bool isComplete = ImportFrd(options.file, target.Get(), options.reading, choice);
+  if (!hasStep) blocks = 0;
+  if (blocks > 0) target.Save();
   Console::Print("imported " + CountText(blocks, "block") +
                  (isComplete ? "" : "; the file has no end record yet") + "\n");
   return blocks == 0 ? EXIT_NOTHING_FOUND : EXIT_DONE;
 }
 
-int ImportTable(const Options& options, const QeltaKeyChanges& changes) {
-  const bool isStream = options.file == "-";
-  Key key;
-  key.SetString(Key::LABEL,
-                isStream ? "TABLE" : std::filesystem::path(options.file).stem().string());
-  changes.ApplyTo(key);
-  std::ifstream file;
-  if (!isStream) {
-    file.open(options.file, std::ios::binary);
-    if (!file || IsDatabase(options.file)) {
-      throw FED_Failure("", "Cannot open " + options.file + ". Check the path.", "");
-    }
+QeltaCsvImport ReadTable(const std::string& name) {
+  if (name == "-") return QeltaCsvImport(std::cin, name);
+  std::ifstream file(name, std::ios::binary);
+  if (!file || IsDatabase(name)) {
+    throw FED_Failure("", "Cannot open " + name + ". Check the path.", "");
   }
-  const auto target = OpenTarget(options.target, options.isDryRun, options.CacheBytes());
-  const std::uint64_t rows = ImportCsv(isStream ? std::cin : file, options.file, *target, key);
-  if (!options.isDryRun) SaveDatabase(*target);
+  return QeltaCsvImport(file, name);
+}
+
+int ImportTable(const Options& options, const QeltaKeyChanges& changes) {
+  Key key;
+  key.SetString(Key::LABEL, options.file == "-"
+                                ? "TABLE"
+                                : std::filesystem::path(options.file).stem().string());
+  changes.ApplyTo(key);
+  ParseOption("--set", [&key] { QeltaCsvImport::RequireKey(key); });
+  const QeltaCsvImport table = ReadTable(options.file);
+  RequireTarget(options.target, false);
+  // Whether the rows have places of their own shows in an empty database, too.
+  TargetDatabase target(options.isDryRun ? "" : options.target, options.isDryRun,
+                        options.CacheBytes());
+  const std::uint64_t rows = table.Store(target.Get(), key);
+  if (!options.isDryRun) target.Save();
   Console::Print((options.isDryRun ? "would import " : "imported ") + CountText(rows, "record") +
                  " as " + key.ToString() + "\n");
   return EXIT_DONE;
+}
+
+void RequireSinglePass(const Options& options) {
+  if (options.file != "-") return;
+  const bool isTwice = options.onlyLatest || options.selection.GetPattern().HasExtremes();
+  if (options.follows || (isTwice && !options.isDryRun)) ThrowReadOnce();
 }
 
 int Import(Options& options) {
@@ -170,7 +198,8 @@ int Import(Options& options) {
     }
     return ImportTable(options, changes);
   }
-  if (options.file == "-") options.file = "/dev/stdin";
+  RequireSinglePass(options);
+  options.file = PathOfSource(options.file);
   return ImportResults(options, changes);
 }
 
@@ -190,23 +219,26 @@ void AddImportCommand(CLI::App& app, Action& action) {
   options->selection.AddWhereTo(*command);
   command
       ->add_option("--step", options->step, "Of the results only those of this step, and the\nmesh")
+      ->check(WholeNumber(0, std::numeric_limits<int>::max()))
       ->type_name("N");
   command->add_flag("--latest", options->onlyLatest,
                     "Of the results only those of the last frame,\nand the mesh");
   AddSetOption(*command, options->changes);
-  command->add_flag("--follow", options->follows,
-                    "Keep up with a running solver until the end\nrecord; save what is whole");
+  CLI::Option* const follow =
+      command->add_flag("--follow", options->follows,
+                        "Keep up with a running solver until the end\nrecord; save what is whole");
   command
       ->add_option("--timeout", options->timeout,
                    "With --follow: end when the file has not grown\nfor so long")
-      ->check(CLI::PositiveNumber.description(""))
+      ->needs(follow)
+      ->check(PlainNumber(false))
       ->type_name("SECONDS");
   Selection::AddRunningTo(*command, options->reading.acceptRunningJob);
   command->add_flag("--csv", options->isCsv, "FILE is a table, whatever its name");
   command->add_flag("-n,--dry-run", options->isDryRun,
                     "Only print the keys of what would be imported");
   command->add_option("--cache", options->cacheMegabytes, "Memory for blocks, in MiB")
-      ->check(CLI::Range(1, 1 << 20).description(""))
+      ->check(WholeNumber(1, 1 << 20))
       ->type_name("MIB");
   Selection::AddProgressTo(*command, options->showProgress);
   command->footer(
@@ -218,6 +250,7 @@ void AddImportCommand(CLI::App& app, Action& action) {
       "tells another. Columns 'index' and 'id' say where a row goes: to a record index,\n"
       "or, with --set ID_TYPE=0 (node), 1 (element) ..., to the record of that id.\n"
       "NAME.x, NAME.y, NAME.z make a vector, NAME.xx, .yy, .zz, .xy, .yz, .zx a tensor.\n"
+      "The titles themselves are not kept: the fields are FIELD_1, FIELD_2 and so on.\n"
       "\n"
       "Examples:\n"
       "  qelta import job.frd run.db\n"

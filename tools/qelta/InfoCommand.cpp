@@ -16,7 +16,11 @@
 #include "Console.h"
 #include "Databases.h"
 #include "ExitCode.h"
+#include "InfoObject.h"
+#include "JsonText.h"
+#include "KindRows.h"
 #include "Progress.h"
+#include "RowOutput.h"
 #include "Selection.h"
 #include "Table.h"
 
@@ -29,6 +33,7 @@ constexpr std::size_t kLongList = 200;
 
 struct Options {
   std::string file;
+  OutputFormat format = OutputFormat::Table;
   bool acceptRunningJob = false;
   bool showProgress = true;
 };
@@ -98,24 +103,6 @@ void PrintFile(const Options& options, const FrdFileSummary& summary) {
   table.Print();
 }
 
-const char* AnalysisName(FrdAnalysis analysis) {
-  switch (analysis) {
-    case FRD_STATIC:
-      return "static";
-    case FRD_TIME_STEP:
-      return "time steps";
-    case FRD_MODAL:
-      return "modal";
-    case FRD_OTHER:
-      return "other";
-    case FRD_BUCKLING:
-      return "buckling";
-    case FRD_STEADY_STATE:
-      return "steady state";
-  }
-  return "";
-}
-
 std::string ValueRange(const FrdStepSummary& step) {
   const bool isFrequency = step.analysis == FRD_MODAL || step.analysis == FRD_STEADY_STATE;
   const char* const name = isFrequency                     ? "frequency"
@@ -138,49 +125,11 @@ void PrintSteps(const std::vector<FrdStepSummary>& steps) {
                Table::Align::Left, Table::Align::Left});
   table.AddTitles({"step", "analysis", "frames", "increments", "modes", "values"});
   for (const FrdStepSummary& step : steps) {
-    table.Add({step.step ? std::to_string(*step.step) : "", AnalysisName(step.analysis),
+    table.Add({step.step ? std::to_string(*step.step) : "", GetFrdAnalysisName(step.analysis),
                Cell(step.frames), Cell(step.increments), Cell(step.modes), ValueRange(step)});
   }
   Console::PrintBold("\nSteps\n");
   table.Print();
-}
-
-struct KindRow {
-  int onf;
-  std::string kind;
-  std::string label;
-  std::string format;
-  std::uint64_t blocks;
-  std::uint64_t records;
-};
-
-KindRow MakeRow(const QeltaBlockInfo& block) {
-  const bool hasLabel = block.key.Has(Key::LABEL);
-  return {block.kind->onfId,
-          block.KindName(),
-          hasLabel ? block.key.GetString(Key::LABEL) : "",
-          block.kind->format,
-          1,
-          block.records};
-}
-
-std::vector<KindRow> GroupByKind(const std::vector<QeltaBlockInfo>& blocks) {
-  std::vector<KindRow> rows;
-  for (const QeltaBlockInfo& block : blocks) {
-    const KindRow row = MakeRow(block);
-    const auto known = std::find_if(rows.begin(), rows.end(), [&row](const KindRow& other) {
-      return other.kind == row.kind && other.label == row.label && other.format == row.format;
-    });
-    if (known == rows.end()) {
-      rows.push_back(row);
-    } else {
-      known->blocks += row.blocks;
-      known->records += row.records;
-    }
-  }
-  std::stable_sort(rows.begin(), rows.end(),
-                   [](const KindRow& a, const KindRow& b) { return a.onf < b.onf; });
-  return rows;
 }
 
 void PrintBlocks(const std::vector<QeltaBlockInfo>& blocks) {
@@ -211,19 +160,36 @@ void PrintFields(const std::vector<QeltaBlockInfo>& blocks) {
 
 void PrintIds(const FED_IdMapsPool& maps) {
   Table table({Table::Align::Left, Table::Align::Right});
-  for (int type = ID_TYPE_NODE; type < ID_TYPE_RECORD_INDEX; ++type) {
-    const FED_IdMap& map = maps.GetMap(static_cast<FED_IdType>(type));
-    const auto count = static_cast<std::uint64_t>(map.GetMaxIndex() + 1);
-    if (count > 0) table.Add({FED_ID_TYPE_INFO[type].name, Number(count)});
-  }
+  for (const auto& [name, count] : CountIds(maps)) table.Add({name, Number(count)});
   if (table.IsEmpty()) return;
   Console::PrintBold("\nEntities with ids\n");
   table.Print();
 }
 
+// The kinds of blocks for a spreadsheet, or all that is known for a program.
+void PrintObject(const nlohmann::ordered_json& object, const std::vector<QeltaBlockInfo>& blocks,
+                 OutputFormat format) {
+  if (format != OutputFormat::Csv) {
+    Console::Print(ToLine(object) + "\n");
+    return;
+  }
+  const auto output = RowOutput::Make(format);
+  output->Begin({{"onf"}, {"kind"}, {"label"}, {"format"}, {"blocks"}, {"records"}});
+  for (const KindRow& row : GroupByKind(blocks)) {
+    const auto number = [](std::uint64_t value) { return static_cast<std::int64_t>(value); };
+    output->Add({row.onf == 0 ? OutputCell() : std::int64_t{row.onf}, row.kind, row.label,
+                 row.format, number(row.blocks), number(row.records)});
+  }
+  output->End();
+}
+
 void PrintDatabase(const Options& options) {
   const auto database = OpenDatabase(options.file, FED_DatabaseDefs::READ_ONLY);
   const auto blocks = DescribeBlocks(*database, database->FindBlocks({}));
+  if (options.format != OutputFormat::Table) {
+    return PrintObject(ToObject(options.file, database->GetIdMapsPool(), blocks), blocks,
+                       options.format);
+  }
   std::uint64_t bytes = 0;
   for (const QeltaBlockInfo& block : blocks) bytes += block.bytes;
   Console::PrintBold(options.file + "\n");
@@ -240,9 +206,12 @@ void PrintResultFile(const Options& options) {
   reading.onProgress = [&progress](std::uint64_t done, std::uint64_t total) {
     progress.Show(done, total);
   };
-  const FrdFileSummary summary = SummarizeFrd(options.file, reading);
+  const FrdFileSummary summary = SummarizeFrd(PathOfSource(options.file), reading);
   std::vector<QeltaBlockInfo> blocks;
   for (const auto& block : summary.blocks) blocks.push_back(DescribeBlock(block));
+  if (options.format != OutputFormat::Table) {
+    return PrintObject(ToObject(options.file, summary, blocks), blocks, options.format);
+  }
   PrintFile(options, summary);
   PrintSteps(summary.steps);
   PrintBlocks(blocks);
@@ -263,11 +232,13 @@ int Info(const Options& options) {
 void AddInfoCommand(CLI::App& app, Action& action) {
   const auto options = std::make_shared<Options>();
   CLI::App* const command = app.add_subcommand("info", "Show what a source holds");
-  command->add_option("SOURCE", options->file, "Database directory or CalculiX result file (.frd)")
-      ->required();
+  Selection::AddSourceTo(*command, options->file, false);
   Selection::AddRunningTo(*command, options->acceptRunningJob);
   Selection::AddProgressTo(*command, options->showProgress);
+  RowOutput::AddFormatOption(*command, options->format);
   command->footer(
+      "json and jsonl give all in one object on one line, csv the kinds of blocks.\n"
+      "\n"
       "Examples:\n"
       "  qelta info job.frd\n"
       "  qelta info run.db");

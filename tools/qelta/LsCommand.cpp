@@ -132,7 +132,7 @@ int List(Options& options) {
 void AddLsCommand(CLI::App& app, Action& action) {
   const auto options = std::make_shared<Options>();
   CLI::App* const command = app.add_subcommand("ls", "List blocks");
-  options->selection.AddTo(*command);
+  options->selection.AddTo(*command, false);
   command->add_flag("-l,--long", options->isLong, "Also number, format and size of each block");
   command->add_option("--sort", options->sortBy, "Sort by a field, or by kind, records, bytes ...")
       ->type_name("COLUMN");

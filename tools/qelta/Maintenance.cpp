@@ -1,7 +1,6 @@
 #include "Maintenance.h"
 
 #include "Selection.h"
-#include "TargetDatabase.h"
 
 namespace qelta {
 
@@ -12,8 +11,10 @@ std::shared_ptr<MaintenanceOptions> MaintenanceOptions::AddTo(CLI::App& command)
   return options;
 }
 
-void PrintReport(const DatabaseReport& report, const std::string& well, const std::string& badly) {
-  for (const std::string& problem : report.problems) Console::Print(problem + "\n");
+void PrintReport(const DatabaseReport& report, const std::string& well, const std::string& badly,
+                 OutputFormat format) {
+  PrintLines("problem", report.problems, format);
+  if (format != OutputFormat::Table) return;
   Console::Print(CountText(report.blocks, "block") + ", " +
                  BytesText(static_cast<double>(report.bytes)) + ": " +
                  (report.problems.empty() ? well : badly) + "\n");

@@ -7,6 +7,8 @@
 #include "Console.h"
 #include "Databases.h"
 #include "Progress.h"
+#include "RowOutput.h"
+#include "TargetDatabase.h"
 
 namespace qelta {
 
@@ -15,6 +17,7 @@ struct MaintenanceOptions {
   std::string name;
   std::string target;
   bool showProgress = true;
+  OutputFormat format = OutputFormat::Table;
 
   static std::shared_ptr<MaintenanceOptions> AddTo(CLI::App& command);
 };
@@ -31,7 +34,16 @@ auto RunMaintenance(const std::string& what, const MaintenanceOptions& options, 
   return result;
 }
 
-/// The problems, and then "3 blocks, 12 MB: intact", or the other word.
-void PrintReport(const DatabaseReport& report, const std::string& well, const std::string& badly);
+/// Runs `work`, which makes the target. Fails as a wrong command line does when that exists.
+template <class Work>
+auto MakeTarget(const MaintenanceOptions& options, Work work) {
+  RequireTarget(options.target, true);
+  return WithTarget(options.target, work);
+}
+
+/// The problems, and then "3 blocks, 12 MB: intact", or the other word. Formats other than a table
+/// get the problems alone.
+void PrintReport(const DatabaseReport& report, const std::string& well, const std::string& badly,
+                 OutputFormat format = OutputFormat::Table);
 
 }  // namespace qelta

@@ -1,9 +1,10 @@
 #include "Progress.h"
 
+#include <QeltaUtf8.h>
 #include <fmt/format.h>
-#include <cmath>
 
 #include <algorithm>
+#include <cmath>
 
 namespace qelta {
 namespace {
@@ -64,9 +65,12 @@ std::string Progress::Line(std::uint64_t done, std::uint64_t total, double secon
       fmt::format(" {:3.0f} %  {}  {} left", 100 * part, speed,
                   rate > 0 ? TimeText(static_cast<double>(total - done) / rate) : "?");
   // What the terminal leaves for the bar; the last column stays free.
-  const std::size_t taken = m_What.size() + end.size() + 5;
+  const std::size_t taken = CountCharacters(m_What) + end.size() + 5;
   const std::size_t width = std::min<std::size_t>(Console::GetProgressWidth(), 100);
-  if (width < taken + 8) return (m_What + " " + end).substr(0, width - 1);
+  if (width < taken + 8) {
+    const std::string line = m_What + " " + end;
+    return line.substr(0, SkipCharacters(line, 0, width - 1));
+  }
   const std::size_t room = width - taken;
   const auto full = std::min(static_cast<std::size_t>(part * static_cast<double>(room)), room);
   return fmt::format("{}  [{:<{}}]{}", m_What, std::string(full, '#'), room, end);

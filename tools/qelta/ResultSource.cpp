@@ -4,6 +4,7 @@
 #include <FrdImport.h>
 #include <FrdSummary.h>
 
+#include <CLI/CLI.hpp>
 #include <map>
 #include <set>
 
@@ -89,10 +90,19 @@ class FrdFile : public ResultSource {
 
 }  // namespace
 
+std::string PathOfSource(const std::string& name) { return name == "-" ? "/dev/stdin" : name; }
+
+void ThrowReadOnce() {
+  throw CLI::ValidationError(
+      "The standard input can be read only once, which is not enough for this; save it in a file "
+      "and name that.");
+}
+
 std::unique_ptr<ResultSource> ResultSource::Open(const std::string& name,
                                                  const SourceOptions& options) {
   if (IsDatabase(name)) return std::make_unique<DatabaseSource>(name);
-  return std::make_unique<FrdFile>(name, options);
+  if (name == "-" && options.needsRecords) ThrowReadOnce();
+  return std::make_unique<FrdFile>(PathOfSource(name), options);
 }
 
 }  // namespace qelta

@@ -12,12 +12,19 @@ namespace qelta {
 struct SourceOptions {
   bool acceptRunningJob = false;
   bool showProgress = true;
+  bool needsRecords = true;  ///< Load will be called: the source is read twice
 };
+
+/// The path of a source: the standard input if its name is "-".
+std::string PathOfSource(const std::string& name);
+
+/// Fails as a wrong command line does, because the standard input should be read twice.
+[[noreturn]] void ThrowReadOnce();
 
 /// What a command reads from: a database on disk, or a result file (.frd).
 class ResultSource {
  public:
-  /// Opens what has this name.
+  /// Opens what has this name; "-" is a result file on the standard input.
   static std::unique_ptr<ResultSource> Open(const std::string& name, const SourceOptions& options);
 
   virtual ~ResultSource() = default;

@@ -4,6 +4,7 @@
 
 #include "Console.h"
 #include "JsonText.h"
+#include "OptionChecks.h"
 
 namespace qelta {
 namespace {
@@ -151,7 +152,7 @@ void RowOutput::AddFormatOption(CLI::App& command, OutputFormat& format) {
                                                                {"json", OutputFormat::Json},
                                                                {"jsonl", OutputFormat::JsonLines}};
   command.add_option("--format", format, "table, csv, json or jsonl (an object a line)")
-      ->transform(CLI::CheckedTransformer(kFormats).description(""))
+      ->transform(Choice(kFormats))
       ->type_name("FORMAT");
 }
 
@@ -167,6 +168,18 @@ std::unique_ptr<RowOutput> RowOutput::Make(OutputFormat format, std::optional<in
       break;
   }
   return std::make_unique<TableOutput>(digits);
+}
+
+void PrintLines(const std::string& column, const std::vector<std::string>& texts,
+                OutputFormat format) {
+  if (format == OutputFormat::Table) {
+    for (const std::string& text : texts) Console::Print(text + "\n");
+    return;
+  }
+  const auto output = RowOutput::Make(format);
+  output->Begin({{column}});
+  for (const std::string& text : texts) output->Add({text});
+  output->End();
 }
 
 }  // namespace qelta

@@ -50,4 +50,8 @@ class RowOutput {
   RowOutput() = default;
 };
 
+/// Texts as a column of this name; in a table format bare lines.
+void PrintLines(const std::string& column, const std::vector<std::string>& texts,
+                OutputFormat format);
+
 }  // namespace qelta

@@ -22,7 +22,9 @@ void AddSalvageCommand(CLI::App& app, Action& action) {
     action = [options] {
       const DatabaseReport report =
           RunMaintenance("salvaging", *options, [&](const auto& progress) {
-            return SalvageDatabase(options->name, options->target, progress);
+            return MakeTarget(*options, [&] {
+              return SalvageDatabase(options->name, options->target, progress);
+            });
           });
       PrintReport(report, "all salvaged", "salvaged with losses");
       return report.problems.empty() ? EXIT_DONE : EXIT_NOTHING_FOUND;

@@ -2,8 +2,9 @@
 
 namespace qelta {
 
-void Selection::AddTo(CLI::App& command, const std::string& name) {
-  command.add_option(name, m_Name, "Database directory or CalculiX result file (.frd)")->required();
+void Selection::AddTo(CLI::App& command, bool needsRecords) {
+  m_Options.needsRecords = needsRecords;
+  AddSourceTo(command, m_Name, needsRecords);
   AddPatternTo(command);
   AddRunningTo(command, m_Options.acceptRunningJob);
   AddProgressTo(command, m_Options.showProgress);
@@ -25,6 +26,12 @@ void Selection::AddWhereTo(CLI::App& command) {
       ->allow_extra_args(false)
       ->take_all()
       ->type_name("FIELD=VALUE");
+}
+
+void Selection::AddSourceTo(CLI::App& command, std::string& name, bool needsRecords) {
+  const std::string source = "Database directory or CalculiX result file (.frd)";
+  command.add_option("SOURCE", name, source + (needsRecords ? "" : ";\n- is the standard input"))
+      ->required();
 }
 
 void Selection::AddRunningTo(CLI::App& command, bool& acceptRunningJob) {
@@ -61,7 +68,7 @@ void AddSetOption(CLI::App& command, std::vector<std::string>& texts) {
   command
       .add_option("--set", texts,
                   "Store under a changed key; FIELD=! leaves\n"
-                  "the field out. May be repeated")
+                  "the field out, quotes as for -w. May be\nrepeated")
       ->expected(1)
       ->allow_extra_args(false)
       ->take_all()

@@ -17,12 +17,14 @@ namespace qelta {
 /// Which blocks of which source a command is about; read from its command line.
 class Selection {
  public:
-  /// Gives `command` the source and the options; this object must outlive the parsing.
-  void AddTo(CLI::App& command, const std::string& name = "SOURCE");
+  /// Gives `command` the source and the options; this object must outlive the parsing. A command
+  /// that needs no records can read the standard input.
+  void AddTo(CLI::App& command, bool needsRecords = true);
 
   /// The options that select, without the source; --where alone.
   void AddPatternTo(CLI::App& command);
   void AddWhereTo(CLI::App& command);
+  static void AddSourceTo(CLI::App& command, std::string& name, bool needsRecords);
   static void AddRunningTo(CLI::App& command, bool& acceptRunningJob);
   static void AddProgressTo(CLI::App& command, bool& showProgress);
 

@@ -13,6 +13,7 @@
 #include "Console.h"
 #include "ExitCode.h"
 #include "NumberRanges.h"
+#include "OptionChecks.h"
 #include "RowOutput.h"
 #include "Selection.h"
 
@@ -228,10 +229,10 @@ void AddShowCommand(CLI::App& app, Action& action) {
       ->allow_extra_args(false)
       ->type_name("FIELD,...");
   command->add_option("--head", options->head, "At most this many records of each block")
-      ->check(CLI::Range(0, 1 << 30).description(""))
+      ->check(WholeNumber(0, std::numeric_limits<int>::max()))
       ->type_name("N");
   command->add_option("--digits", options->digits, "Digits of numbers in a table, 6 as a rule")
-      ->check(CLI::Range(1, kAllDigits).description(""))
+      ->check(WholeNumber(1, kAllDigits))
       ->type_name("N");
   RowOutput::AddFormatOption(*command, options->format);
   command->footer(

@@ -1,5 +1,7 @@
 #include "Table.h"
 
+#include <QeltaUtf8.h>
+
 #include <algorithm>
 #include <numeric>
 
@@ -13,7 +15,7 @@ constexpr std::size_t kShortTitle = 5;
 constexpr std::size_t kGap = 2;  // before each column
 
 std::string Pad(const std::string& cell, std::size_t width, Table::Align align) {
-  const std::string blanks(width - std::min(width, cell.size()), ' ');
+  const std::string blanks(width - std::min(width, CountCharacters(cell)), ' ');
   return align == Table::Align::Left ? cell + blanks : blanks + cell;
 }
 
@@ -21,10 +23,11 @@ using Lines = std::vector<std::string>;
 
 Lines Wrap(std::string text, std::size_t width) {
   Lines lines;
-  while (text.size() > width) {
+  while (CountCharacters(text) > width) {
+    const std::size_t limit = SkipCharacters(text, 0, width);
     // Before the component of a field there is a good place, too.
-    const std::size_t found = text.find_last_of(" .", width);
-    const std::size_t end = found != std::string::npos && found > 0 ? found : width;
+    const std::size_t found = text.find_last_of(" .", limit);
+    const std::size_t end = found != std::string::npos && found > 0 ? found : limit;
     lines.push_back(text.substr(0, end));
     text.erase(0, end + (text[end] == ' ' ? 1 : 0));
   }
@@ -34,18 +37,17 @@ Lines Wrap(std::string text, std::size_t width) {
 
 // The least width that needs no more lines: LOAD and CASE rather than LOADC and ASE.
 std::size_t EvenWidth(const std::string& text, std::size_t width) {
-  if (text.size() <= width || text.find_first_of(" .") != std::string::npos) return width;
-  const std::size_t lines = (text.size() + width - 1) / width;
-  return (text.size() + lines - 1) / lines;
+  const std::size_t length = CountCharacters(text);
+  if (length <= width || text.find_first_of(" .") != std::string::npos) return width;
+  const std::size_t lines = (length + width - 1) / width;
+  return (length + lines - 1) / lines;
 }
-
-std::size_t Length(const std::string& text) { return text.size(); }
 
 std::size_t LongestWord(const std::string& text) {
   std::size_t longest = 0;
   for (std::size_t begin = 0, end = 0; end != std::string::npos; begin = end + 1) {
     end = text.find(' ', begin);
-    longest = std::max(longest, std::min(end, text.size()) - begin);
+    longest = std::max(longest, CountCharacters(text.substr(begin, end - begin)));
   }
   return longest;
 }
@@ -66,7 +68,7 @@ std::vector<std::size_t> Table::Widest(Measure measure, bool withTitles) const {
 // Numbers are never broken, words only where they are very long.
 std::vector<std::size_t> Table::Narrowest() const {
   const std::vector<std::size_t> words = Widest(LongestWord);
-  std::vector<std::size_t> widths = Widest(Length, false);
+  std::vector<std::size_t> widths = Widest(CountCharacters, false);
   for (std::size_t i = 0; i < widths.size(); ++i) {
     widths[i] = m_Columns[i] == Align::Left ? std::min(words[i], kLongWord)
                                             : std::max(widths[i], kShortTitle);
@@ -118,7 +120,7 @@ void Table::AddTitles(std::vector<std::string> cells) {
 }
 
 std::size_t Table::GetWidth() const {
-  const std::vector<std::size_t> widths = Widest(Length);
+  const std::vector<std::size_t> widths = Widest(CountCharacters);
   return std::accumulate(widths.begin(), widths.end(), kGap * widths.size());
 }
 
@@ -128,7 +130,7 @@ std::size_t Table::GetLeastWidth() const {
 }
 
 void Table::Print() const {
-  std::vector<std::size_t> widths = Widest(Length);
+  std::vector<std::size_t> widths = Widest(CountCharacters);
   Narrow(widths);
   for (std::size_t i = 0; i < m_Rows.size(); ++i) {
     const std::string text = RowText(i, widths);

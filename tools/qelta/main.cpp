@@ -1,10 +1,14 @@
 #include <FED_Exception.h>
 #include <FED_LogMacros.h>
+#include <QeltaBlockCopy.h>
 #include <QeltaNames.h>
+#include <QeltaSelectingSink.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdlib>
 #include <exception>
+#include <iterator>
 #include <new>
 #include <string>
 #include <vector>
@@ -87,6 +91,15 @@ void TakeNote(void* notes, FED_LogMacros::LogMsgType type, const char*, int, con
   if (type == FED_LogMacros::LOG_CONTINUED) static_cast<Notes*>(notes)->emplace_back(text);
 }
 
+// What asks for something that cannot be is the caller's fault wherever it is noticed.
+int ExitCodeOf(const FED_Exception& failure) {
+  static constexpr const char* kRequests[] = {
+      QeltaSelectingSink::kCollisionId, QeltaBlockCopy::kCollisionId, QeltaBlockCopy::kConflictId};
+  const bool isRequest =
+      std::count(std::begin(kRequests), std::end(kRequests), failure.GetMessageId()) > 0;
+  return isRequest ? EXIT_USAGE : IsDeviceFailure(failure) ? EXIT_IO_FAILURE : EXIT_BAD_INPUT;
+}
+
 int RunGuarded(int argc, char** argv, Action& action) {
   Notes notes;
   try {
@@ -108,7 +121,7 @@ int RunGuarded(int argc, char** argv, Action& action) {
     return EXIT_USAGE;
   } catch (const FED_Exception& failure) {
     Console::Complain(failure.what());
-    return IsDeviceFailure(failure) ? EXIT_IO_FAILURE : EXIT_BAD_INPUT;
+    return ExitCodeOf(failure);
   } catch (const std::bad_alloc&) {
     Console::Complain("out of memory");
     return EXIT_IO_FAILURE;
