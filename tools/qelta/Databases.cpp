@@ -7,6 +7,8 @@
 
 #include <filesystem>
 
+#include "OutputFile.h"
+
 namespace qelta {
 namespace {
 
@@ -74,7 +76,8 @@ void BackupDatabase(const std::string& name, const std::string& target,
 
 bool IsDeviceFailure(const FED_Exception& failure) {
   return FED_FileDatabase::IsSystemFailure(failure) ||
-         failure.GetMessageId() == FrdSource::kReadErrorId;
+         failure.GetMessageId() == FrdSource::kReadErrorId ||
+         failure.GetMessageId() == kOutputFileErrorId;
 }
 
 }  // namespace qelta
