@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "QeltaQuantities.h"
+
 namespace qelta {
 
 /// What the values of one component of a block are like. NaN counts apart and for nothing else.
@@ -22,9 +24,10 @@ struct QeltaStatistics {
   std::size_t highestAt = 0;
 };
 
-/// The statistics of every number in the records of a block, of the magnitude of every vector and,
-/// for kinds that hold stresses, of the von Mises stress and the three principal values of every
-/// tensor. One pass over the block.
+/// The statistics of every one of the block's QeltaQuantities, or of those given, which must be the
+/// block's. One pass over the block.
 std::vector<QeltaStatistics> ComputeStatistics(const FED_DataBlock& block);
+std::vector<QeltaStatistics> ComputeStatistics(const FED_DataBlock& block,
+                                               const QeltaQuantities& quantities);
 
 }  // namespace qelta

@@ -16,6 +16,7 @@ void AddLsCommand(CLI::App& app, Action& action);
 void AddFindCommand(CLI::App& app, Action& action);
 void AddShowCommand(CLI::App& app, Action& action);
 void AddStatsCommand(CLI::App& app, Action& action);
+void AddPlotCommand(CLI::App& app, Action& action);
 void AddDiffCommand(CLI::App& app, Action& action);
 void AddImportCommand(CLI::App& app, Action& action);
 void AddCopyCommand(CLI::App& app, Action& action);

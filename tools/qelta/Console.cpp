@@ -99,6 +99,16 @@ std::size_t Console::GetWidth() { return IsOutputTerminal() ? WidthOf(stdout) : 
 
 bool Console::IsOutputTerminal() { return IsTerminal(stdout); }
 
+bool Console::IsUtf8() {
+  for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+    const char* const value = std::getenv(variable);
+    if (value == nullptr || *value == '\0') continue;
+    const std::string locale = value;
+    return locale.find("UTF-8") != std::string::npos || locale.find("utf8") != std::string::npos;
+  }
+  return false;
+}
+
 void Console::PrintBold(const std::string& text) {
   const bool isWanted = IsOutputTerminal() && !IsSet("NO_COLOR") && !IsDumb();
   // Blank lines before and the end of the last one stay plain.

@@ -25,6 +25,8 @@ class Console {
   /// Columns of the terminal that shows the results, or 80 when none does.
   static std::size_t GetWidth();
   static bool IsOutputTerminal();
+  /// The locale says that characters are UTF-8.
+  static bool IsUtf8();
 
   /// Lines in bold letters, where the results are on a terminal that the user wants in colour.
   static void PrintBold(const std::string& text);

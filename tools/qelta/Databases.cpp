@@ -8,6 +8,8 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 
+#include "OutputFile.h"
+
 namespace qelta {
 namespace {
 
@@ -91,7 +93,8 @@ void BackupDatabase(const std::string& name, const std::string& target,
 
 bool IsDeviceFailure(const FED_Exception& failure) {
   return FED_FileDatabase::IsSystemFailure(failure) ||
-         failure.GetMessageId() == FrdSource::kReadErrorId;
+         failure.GetMessageId() == FrdSource::kReadErrorId ||
+         failure.GetMessageId() == kOutputFileErrorId;
 }
 
 bool IsRefusal(const FED_Exception& failure) { return FED_FileDatabase::IsRefusal(failure); }
