@@ -12,7 +12,7 @@ constexpr int kNodes = 21;
 void Cool(std::vector<double>& temperature) {
   const std::vector<double> before = temperature;
   for (std::size_t i = 1; i + 1 < before.size(); ++i) {
-    temperature[i] += 0.4 * (before[i - 1] - 2 * before[i] + before[i + 1]);
+    temperature[i] += 0.2 * (before[i - 1] - 2 * before[i] + before[i + 1]);
   }
 }
 
