@@ -2,6 +2,7 @@
 
 #include <FED_Failure.h>
 #include <FED_IdMapsPool.h>
+#include <FED_Message.h>
 #include <FED_OnfMetaData.h>
 #include <QeltaStringUtil.h>
 #include <RecordCursor.h>
@@ -114,13 +115,14 @@ void QeltaCsvImport::RequireNumbers(std::size_t column) const {
     const Number number = ToNumber(text);
     if (number.IsText()) {
       Complain("310000001000", row,
-               "'" + text + "' in the column " + title +
-                   " is no number, as the components of vectors and tensors are; mend it, or give "
-                   "the column another title");
+               FED_MESSAGE("'%s' in the column %s is no number, as the components of vectors and "
+                           "tensors are; mend it, or give the column another title",
+                           text.c_str(), title.c_str()));
     }
     if (number.error != std::errc()) {
       Complain("310000001001", row,
-               "'" + text + "' in the column " + title + " is too large or too small for a double");
+               FED_MESSAGE("'%s' in the column %s is too large or too small for a double",
+                           text.c_str(), title.c_str()));
     }
   }
 }

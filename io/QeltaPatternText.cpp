@@ -2,6 +2,7 @@
 
 #include <FED_Failure.h>
 #include <FED_IntSetIntvl.h>
+#include <FED_Message.h>
 #include <QeltaStringUtil.h>
 
 #include <algorithm>
@@ -174,10 +175,12 @@ void QeltaPatternText::RequireTexts(const Condition& condition) {
     const bool isWord = text == "?" || text == "!" || text.find("..") != std::string::npos ||
                         IsSameName(which, "max") || IsSameName(which, "min");
     if (isQuoted || !(text.empty() || (isWord && !condition.isGlob))) continue;
-    const std::string sign = NameOf(condition.field) + (condition.isGlob ? "~" : "=");
-    ThrowUsage("310000001004", sign + text + " means nothing here: " + NameOf(condition.field) +
-                                   " holds texts. For this very text, write " + sign + "'" + text +
-                                   "'.");
+    const char* const name = NameOf(condition.field).c_str();
+    const char sign = condition.isGlob ? '~' : '=';
+    ThrowUsage("310000001004",
+               FED_MESSAGE("%s%c%s means nothing here: %s holds texts. For this very text, write "
+                           "%s%c'%s'.",
+                           name, sign, text.c_str(), name, name, sign, text.c_str()));
   }
 }
 

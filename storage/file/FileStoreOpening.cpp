@@ -46,10 +46,8 @@ FileStore::FileStore(FileSystem& files, std::string directory, FED_DatabaseDefs:
 
 void FileStore::OpenForReading() {
   if (DatabaseDirectory(m_Files, m_Directory).Look() != DatabaseDirectory::State::THERE) {
-    FED_Failure::Throw(
-        "220300000051", kLocation,
-        "There is no database %s. Check the path, or open it for writing to make one.",
-        m_Directory.c_str());
+    FED_Failure::Throw("220300000051", kLocation, "There is no database %s. Check the path.",
+                       m_Directory.c_str());
   }
   m_Lock = std::make_unique<DatabaseLock>(m_Files, m_Directory, false);
   m_Lock->BeginRead();

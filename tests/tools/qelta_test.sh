@@ -118,8 +118,15 @@ expect 2 find "$folder/missing.frd" -w LAYER=7
 complains "from 1 to 3"
 
 expect 2 find "$text" -w STATE=3..2
-expect 2 ls "$text" --sort LABL
-complains "Did you mean LABEL?"
+check 2 "Did you mean LABEL?" ls "$text" --sort LABL
+check 2 "Columns are descriptor, onf" ls "$folder/missing.frd" --columns nope
+check 2 "has a field 'nope'" show "$text" -w ONF=2 --fields nope,COORD
+expect 0 show "$text" -w SUBSTEP=1 --fields STRESS.xx --id 3,1..3 --format csv
+[ "$(cut -d, -f2 "$out" | xargs)" = "id 3 1 2" ] || fail "not once each record of the blocks with the field"
+expect 0 stats "$text" -w LABEL=FORC --by LABEL
+[ "$(head -1 "$out" | xargs | cut -d' ' -f1-3)" = "LABEL component min" ] || fail "label stands twice"
+"$qelta" diff "$text" "$text" --tol NIX=1 >"$out" 2>"$err" || fail "an unknown label in --tol"
+complains "no block has the label 'NIX'"
 while IFS='|' read -r complaint arguments; do
   # shellcheck disable=SC2086 # words are wanted
   check 2 "$complaint (qelta --help says more)" $arguments "$text"

@@ -48,11 +48,17 @@ BlockColumn BlockColumn::Parse(const std::string& option, const std::string& nam
     names.emplace_back(property.name);
     if (name == property.name) return BlockColumn(&property);
   }
-  for (const Key::NameAndType& field : Key::RD_NAME_TYPE_ITEMS) names.push_back(field.name);
   for (std::size_t i = 0; i < Key::FIELD_COUNT; ++i) {
-    if (IsSameName(Key::RD_NAME_TYPE_ITEMS[i].name, name)) return BlockColumn(Key::CastIndex(i));
+    names.push_back(Key::RD_NAME_TYPE_ITEMS[i].name);
+    if (IsSameName(names.back(), name)) return BlockColumn(Key::CastIndex(i));
   }
-  throw CLI::ValidationError(option, "There is no column '" + name + "'." + Suggest(name, names));
+  for (const Property& property : kProperties) {
+    if (IsSameName(property.name, name)) return BlockColumn(&property);
+  }
+  const std::string like = SuggestLike(name, names);
+  throw CLI::ValidationError(option,
+                             "There is no column '" + name + "'." +
+                                 (like.empty() ? " Columns are " + Join(names) + "." : like));
 }
 
 std::vector<BlockColumn> BlockColumn::Fields() {

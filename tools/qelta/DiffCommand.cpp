@@ -1,7 +1,9 @@
 #include <QeltaDatabaseDiff.h>
 #include <QeltaFieldText.h>
+#include <QeltaNames.h>
 
 #include <memory>
+#include <set>
 
 #include "Commands.h"
 #include "Console.h"
@@ -51,6 +53,23 @@ void ReadTolerances(Options& options) {
       throw CLI::ValidationError("--tol", "'" + text + "' is not of the form LABEL=1e-6.");
     }
     options.tolerances.relativeOfLabel[text.substr(0, sign)] = value;
+  }
+}
+
+// A tolerance for a label that no block has is a slip of the pen.
+void ComplainOfLabels(const Options& options,
+                      const std::vector<std::vector<FED_DataDescriptor>>& sources) {
+  std::set<std::string> labels;
+  for (const auto& keys : sources) {
+    for (const FED_DataDescriptor& key : keys) {
+      if (key.Has(FED_DataDescriptor::LABEL))
+        labels.insert(key.GetString(FED_DataDescriptor::LABEL));
+    }
+  }
+  for (const auto& [label, tolerance] : options.tolerances.relativeOfLabel) {
+    if (labels.count(label) > 0) continue;
+    const std::vector<std::string> known(labels.begin(), labels.end());
+    Console::Complain("--tol: no block has the label '" + label + "'." + Suggest(label, known));
   }
 }
 
@@ -156,6 +175,7 @@ int Diff(Options& options) {
     Console::Complain("nothing is compared: the selection matches no block on either side");
     return EXIT_NOTHING_FOUND;
   }
+  ComplainOfLabels(options, {first->GetKeys(), second->GetKeys()});
   const QeltaDatabaseDiff diff(first->Load(keysOfFirst), second->Load(keysOfSecond),
                                options.tolerances);
   const auto pairs = QeltaDatabaseDiff::Match(keysOfFirst, keysOfSecond, ignored);

@@ -36,6 +36,7 @@ Json KindObject(const KindRow& row) {
 
 Json FieldsOf(const std::vector<QeltaBlockInfo>& blocks) {
   std::vector<Key> keys;
+  keys.reserve(blocks.size());
   for (const QeltaBlockInfo& block : blocks) keys.push_back(block.key);
   Json fields = Json::object();
   for (std::size_t i = 0; i < Key::FIELD_COUNT; ++i) {

@@ -110,7 +110,15 @@ void PrintGroups(const Blocks& blocks, const Options& options) {
   output->End();
 }
 
+// A wrong name shows before a long file is read.
+void CheckColumns(const Options& options) {
+  if (!options.sortBy.empty()) BlockColumn::Parse("--sort", options.sortBy);
+  if (!options.groupBy.empty()) BlockColumn::Parse("--group-by", options.groupBy);
+  for (const std::string& name : options.columns) BlockColumn::Parse("--columns", name);
+}
+
 int List(Options& options) {
+  CheckColumns(options);
   Blocks blocks = options.selection.GetSource().Describe(options.selection.Find());
   Sort(blocks, options);
   const bool isJson =

@@ -23,6 +23,7 @@ CLI::Validator OneOf(const std::vector<std::string>& words);
 template <class Value>
 CLI::Validator Choice(const std::map<std::string, Value>& values) {
   std::vector<std::string> words;
+  words.reserve(values.size());
   for (const auto& [word, value] : values) words.push_back(word);
   const auto choose = [values, check = OneOf(words)](std::string& text) {
     std::string problem = check(text);

@@ -1,3 +1,4 @@
+#include <FED_IntSetIntvl.h>
 #include <FED_OnfInfoPool.h>
 #include <QeltaBulkAccess.h>
 #include <QeltaNames.h>
@@ -6,6 +7,7 @@
 #include <algorithm>
 #include <limits>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -39,6 +41,11 @@ std::string KindText(const FED_DataBlock& block) {
   return kind.title + (kind.unit.empty() ? "" : " [" + kind.unit + "]");
 }
 
+// Whether a name that the user gives means a column: STRESS and STRESS.xx mean STRESS.xx.
+bool Means(const std::string& name, const std::string& title) {
+  return IsSameName(name, title) || IsSameName(name, title.substr(0, title.find('.')));
+}
+
 // The rows of some blocks, on their way to the output.
 class Rows {
  public:
@@ -50,6 +57,7 @@ class Rows {
 
   // Returns the number of rows.
   std::size_t Print() {
+    if (m_Cells.empty()) return 0;
     m_Output.Begin(Columns(), m_Block.GetDescriptor().ToString() + "\n" + KindText(m_Block));
     if (!m_Options.ids.empty() || !m_Options.names.empty()) {
       AddByKeys();
@@ -66,16 +74,9 @@ class Rows {
   void ChooseCells() {
     m_Titles = m_Rows.Titles();
     for (std::size_t i = 0; i < m_Titles.size(); ++i) {
-      const auto isChosen = [&](const std::string& name) {
-        const std::string field = m_Titles[i].substr(0, m_Titles[i].find('.'));
-        return IsSameName(name, m_Titles[i]) || IsSameName(name, field);
-      };
+      const auto isChosen = [&](const std::string& name) { return Means(name, m_Titles[i]); };
       const std::vector<std::string>& names = m_Options.fields;
       if (names.empty() || std::any_of(names.begin(), names.end(), isChosen)) m_Cells.push_back(i);
-    }
-    if (m_Cells.empty()) {
-      throw CLI::ValidationError("--fields", m_Block.GetDescriptor().ToString() +
-                                                 " has none of these; it has " + Join(m_Titles));
     }
   }
 
@@ -161,6 +162,9 @@ class Rows {
   }
 
   void AddRow(std::size_t index) {
+    const auto place = static_cast<int>(index);
+    if (m_Shown.Contains(place)) return;
+    m_Shown.Insert(place);
     const std::vector<QeltaCell> cells = m_Rows.Cells(index);
     std::vector<OutputCell> row;
     if (!IsTable()) {
@@ -181,8 +185,26 @@ class Rows {
   RowOutput& m_Output;
   std::vector<std::string> m_Titles;
   std::vector<std::size_t> m_Cells;
+  FED_IntSetIntvl<int> m_Shown;  // ranges may overlap
   std::size_t m_Count = 0;
 };
+
+// Blocks that lack a field are left out, but some block must have it.
+void RequireFields(const std::vector<std::string>& names, const FED_Database& database,
+                   const std::vector<FED_DataDescriptor>& keys) {
+  if (names.empty()) return;
+  std::set<std::string> titles;
+  for (const FED_DataDescriptor& key : keys) {
+    const QeltaRecordRows rows(database.GetDataBlock(key), database.GetIdMapsPool());
+    for (const std::string& title : rows.Titles()) titles.insert(title);
+  }
+  for (const std::string& name : names) {
+    const auto isMeant = [&name](const std::string& title) { return Means(name, title); };
+    if (std::any_of(titles.begin(), titles.end(), isMeant)) continue;
+    throw CLI::ValidationError("--fields", "No selected block has a field '" + name + "'." +
+                                               Suggest(name, {titles.begin(), titles.end()}));
+  }
+}
 
 int Show(Options& options) {
   if (!options.ids.empty()) ParseRanges("--id", options.ids);
@@ -194,6 +216,7 @@ int Show(Options& options) {
     return EXIT_NOTHING_FOUND;
   }
   const FED_Database& database = options.selection.GetSource().Load(keys);
+  RequireFields(options.fields, database, keys);
   std::size_t count = 0;
   for (const FED_DataDescriptor& key : keys) {
     count += Rows(database.GetDataBlock(key), database.GetIdMapsPool(), options, *output).Print();

@@ -155,6 +155,7 @@ class Statistics {
   // One row for each value of a column, label and component, over all blocks that have these.
   void PrintJoined(const BlockColumn& column) {
     const BlockColumn label = BlockColumn::Parse("--by", "LABEL");
+    const bool isByLabel = column.GetTitle().name == label.GetTitle().name;
     using Group = std::tuple<OutputCell, OutputCell, std::string>;
     std::vector<std::pair<Group, Row>> groups;
     std::map<Group, std::size_t> places;
@@ -173,12 +174,15 @@ class Statistics {
     std::stable_sort(groups.begin(), groups.end(), [](const auto& a, const auto& b) {
       return std::get<0>(a.first) < std::get<0>(b.first);
     });
-    std::vector<OutputColumn> columns = {
-        column.GetTitle(), label.GetTitle(), {"component", Table::Align::Left}};
+    std::vector<OutputColumn> columns = {column.GetTitle()};
+    if (!isByLabel) columns.push_back(label.GetTitle());
+    columns.push_back({"component", Table::Align::Left});
     AddColumns(columns, "id", m_Options.format);
     m_Output->Begin(std::move(columns));
     for (const auto& [group, row] : groups) {
-      std::vector<OutputCell> cells = {std::get<0>(group), std::get<1>(group), std::get<2>(group)};
+      std::vector<OutputCell> cells = {std::get<0>(group)};
+      if (!isByLabel) cells.push_back(std::get<1>(group));
+      cells.emplace_back(std::get<2>(group));
       AddCells(cells, row, m_Options.format);
       m_Output->Add(std::move(cells));
       ++m_Count;
