@@ -29,6 +29,10 @@ run qelta ls run.db -w LABEL=DISP
 run qelta show run.db -w LABEL=DISP -w INCREMENT=max --id 9,18,27
 run qelta stats run.db -w LABEL=STRESS -w INCREMENT=max
 
+printf '\n== %s\n' "All steps for ParaView, the modes bent"
+run qelta export run.db -o run.pvd
+run qelta export run.db -w STATE=1.. --deformed 0.1 -o modes.pvd
+
 printf '\n== %s\n' "The highest displacement, by a C++ program of 60 lines"
 run "$build/examples/cpp/highest_displacement" cantilever.frd
 

@@ -141,7 +141,9 @@ std::map<std::string, Suffixes> CollectSuffixes(const std::vector<Key>& keys) {
 std::string NameOf(const Key& key, const Suffixes& suffixes) {
   std::string name = BaseName(key);
   for (std::size_t i = 0; i < kSuffixFields.size(); ++i) {
-    if (suffixes[i].size() > 1) name += Suffix(key, kSuffixFields[i]);
+    // Which part of a complex value it is must always be told.
+    const bool isPart = kSuffixFields[i] == Key::SUB_LEVEL;
+    if (isPart || suffixes[i].size() > 1) name += Suffix(key, kSuffixFields[i]);
   }
   return name;
 }

@@ -83,7 +83,7 @@ prints "1 record as LABEL=loads/ID_TYPE=0"
 "$qelta" show "$text" -w LABEL=FORC -w INCREMENT=max --id 1,99 >"$out" 2>"$err" || fail "show with one unknown id"
 complains "no record of node 99"
 
-for command in info ls find show stats diff import copy rm verify salvage compact backup completion help; do
+for command in info ls find show stats diff import copy export rm verify salvage compact backup completion help; do
   expect 0 $command --help
   prints "Examples:"
   awk 'length > 80 { exit 1 }' "$out" || fail "help of $command is wider than 80 columns"
@@ -97,6 +97,7 @@ expect 0 help pattern
 prints "INCREMENT=max/LOADCASE"
 expect 0 completion bash
 grep -q "ls) options='.*--group-by" "$out" || fail "no completion of options"
+prints "formats='vtu pvd csv jsonl'"
 expect 0 --help
 prints "Exit codes"
 expect 0 --version

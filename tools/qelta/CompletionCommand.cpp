@@ -1,5 +1,6 @@
 #include <FED_DataDescriptor.h>
 
+#include <algorithm>
 #include <memory>
 #include <string>
 
@@ -37,11 +38,21 @@ std::string CommandNames(const CLI::App& app) {
   return names;
 }
 
+// The values of an option --format, which other commands have of their own.
+std::string FormatNames(const CLI::App& command) {
+  const CLI::Option* const option = command.get_option_no_throw("--format");
+  std::string names = option == nullptr ? "" : option->get_type_name();
+  if (names.find('|') == std::string::npos) return "table csv json jsonl";
+  std::replace(names.begin(), names.end(), '|', ' ');
+  return names;
+}
+
 // For "a b": "    a) options='...' ;;" and so on, one line a command.
 std::string Cases(const CLI::App& app) {
   std::string lines;
   for (const CLI::App* command : app.get_subcommands({})) {
-    lines += "    " + command->get_name() + ") options='" + OptionNames(*command) + "' ;;\n";
+    lines += "    " + command->get_name() + ") options='" + OptionNames(*command) + "' formats='" +
+             FormatNames(*command) + "' ;;\n";
   }
   return lines;
 }
@@ -50,7 +61,8 @@ std::string BashScript(const CLI::App& app) {
   return "# Completion of qelta for bash; put this into ~/.bashrc:  eval \"$(qelta completion "
          "bash)\"\n"
          "_qelta() {\n"
-         "  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} options=''\n"
+         "  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} options='' "
+         "formats=''\n"
          "  COMPREPLY=()\n"
          "  if [ \"$COMP_CWORD\" -eq 1 ]; then\n"
          "    COMPREPLY=($(compgen -W '" +
@@ -67,7 +79,7 @@ std::string BashScript(const CLI::App& app) {
          "      COMPREPLY=($(compgen -W '" +
          FieldTexts() +
          "' -- \"${word^^}\")) ;;\n"
-         "    --format) COMPREPLY=($(compgen -W 'table csv json jsonl' -- \"$word\")) ;;\n"
+         "    --format) COMPREPLY=($(compgen -W \"$formats\" -- \"$word\")) ;;\n"
          "    --on-conflict) COMPREPLY=($(compgen -W 'fail skip replace' -- \"$word\")) ;;\n"
          "    help) COMPREPLY=($(compgen -W 'pattern " +
          CommandNames(app) +
@@ -99,10 +111,10 @@ std::string ZshText(const std::string& text) {
   return quoted;
 }
 
-std::string ZshValues(const CLI::Option& option) {
+std::string ZshValues(const CLI::App& command, const CLI::Option& option) {
   const std::string name = option.get_name();
   if (name == "--where" || name == "--set") return "{compadd -S \"\" -- " + FieldTexts() + "}";
-  if (name == "--format") return "(table csv json jsonl)";
+  if (name == "--format") return "(" + FormatNames(command) + ")";
   if (name == "--on-conflict") return "(fail skip replace)";
   return "";
 }
@@ -116,7 +128,7 @@ std::string ZshOptions(const CLI::App& command) {
   for (const CLI::Option* option : command.get_options()) {
     std::string rest = "[" + ZshText(option->get_description()) + "]";
     if (option->get_expected_max() != 0) {
-      rest += ":" + ZshText(option->get_type_name()) + ":" + ZshValues(*option);
+      rest += ":" + ZshText(option->get_type_name()) + ":" + ZshValues(command, *option);
     }
     for (const std::string& name : option->get_lnames()) AppendOption(text, "--" + name, rest);
     for (const std::string& name : option->get_snames()) AppendOption(text, "-" + name, rest);

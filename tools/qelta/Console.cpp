@@ -81,10 +81,12 @@ void Console::Prepare() {
   std::signal(SIGINT, OnInterrupt);
 }
 
-void Console::Print(std::string text) {
+void Console::Print(std::string text) { Write(Printable(std::move(text))); }
+
+std::string Console::Printable(std::string text) {
   const auto isStray = [](char c) { return IsControl(c) && c != '\n' && c != '\t'; };
   std::replace_if(text.begin(), text.end(), isStray, ' ');
-  Write(text);
+  return text;
 }
 
 void Console::Flush() { Check(std::fflush(stdout) == 0); }

@@ -15,8 +15,10 @@ class Console {
   /// Must precede the first output.
   static void Prepare();
 
-  /// Control characters other than line end and tab become blanks.
+  /// Writes the text as Printable gives it.
   static void Print(std::string text);
+  /// Control characters other than line end and tab become blanks.
+  static std::string Printable(std::string text);
   static void Flush();
 
   /// One line on standard error, "qelta: ...", with blanks in place of control characters.

@@ -3,12 +3,11 @@
 #include <FED_FileDatabase.h>
 #include <FED_LogMacros.h>
 #include <FrdSource.h>
+#include <QeltaOutputFile.h>
 #include <QeltaStringUtil.h>
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
-
-#include "OutputFile.h"
 
 namespace qelta {
 namespace {
@@ -93,8 +92,7 @@ void BackupDatabase(const std::string& name, const std::string& target,
 
 bool IsDeviceFailure(const FED_Exception& failure) {
   return FED_FileDatabase::IsSystemFailure(failure) ||
-         failure.GetMessageId() == FrdSource::kReadErrorId ||
-         failure.GetMessageId() == kOutputFileErrorId;
+         failure.GetMessageId() == FrdSource::kReadErrorId || QeltaOutputFile::IsFailure(failure);
 }
 
 bool IsRefusal(const FED_Exception& failure) { return FED_FileDatabase::IsRefusal(failure); }

@@ -2,6 +2,7 @@
 #include <ChartPainter.h>
 #include <QeltaFieldText.h>
 #include <QeltaNames.h>
+#include <QeltaOutputFile.h>
 #include <QeltaSeries.h>
 #include <QeltaStringUtil.h>
 #include <SvgCanvas.h>
@@ -17,7 +18,6 @@
 #include "Console.h"
 #include "ExitCode.h"
 #include "NumberRanges.h"
-#include "OutputFile.h"
 #include "Progress.h"
 #include "RowOutput.h"
 #include "Selection.h"
@@ -230,7 +230,9 @@ void DrawPicture(const Chart& chart, const Options& options) {
       format == PictureFormat::Svg ? std::make_unique<SvgCanvas>(size.width, size.height, name)
                                    : MakeCairoCanvas(format, size.width, size.height, name);
   PaintChart(chart, options.theme == "dark" ? ChartTheme::Dark() : ChartTheme::Light(), *canvas);
-  WriteOutputFile(options.output, canvas->Finish());
+  QeltaOutputFile file(options.output);
+  file.Write(canvas->Finish());
+  file.Commit();
 }
 
 void PrintChart(const Chart& chart, const Options& options) {

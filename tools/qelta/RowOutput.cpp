@@ -91,14 +91,16 @@ std::string CsvText(const std::string& text) {
 
 class CsvOutput : public RowOutput {
  public:
+  explicit CsvOutput(Printer print) : m_Print(std::move(print)) {}
+
   void Begin(std::vector<OutputColumn> columns, const std::string& /*caption*/) override {
-    if (m_HasBegun) Console::Print("\n");
+    if (m_HasBegun) m_Print("\n");
     m_HasBegun = true;
     std::string line;
     for (const OutputColumn& column : columns) {
       line += (line.empty() ? "" : ",") + CsvText(column.name);
     }
-    Console::Print(line + "\n");
+    m_Print(line + "\n");
   }
 
   void Add(std::vector<OutputCell> cells) override {
@@ -107,18 +109,19 @@ class CsvOutput : public RowOutput {
       if (i > 0) line += ',';
       if (cells[i]) line += CsvText(ToText(*cells[i], kAllDigits));
     }
-    Console::Print(line + "\n");
+    m_Print(line + "\n");
   }
 
   void End() override {}
 
  private:
+  Printer m_Print;
   bool m_HasBegun = false;
 };
 
 class JsonOutput : public RowOutput {
  public:
-  explicit JsonOutput(bool isArray) : m_IsArray(isArray) {}
+  JsonOutput(bool isArray, Printer print) : m_IsArray(isArray), m_Print(std::move(print)) {}
 
   void Begin(std::vector<OutputColumn> columns, const std::string& /*caption*/) override {
     m_Columns = std::move(columns);
@@ -130,19 +133,22 @@ class JsonOutput : public RowOutput {
       row[m_Columns[i].name] = cells[i] ? ToJson(*cells[i]) : nlohmann::ordered_json();
     }
     const char* const before = !m_IsArray ? "" : m_HasRows ? ",\n" : "[\n";
-    Console::Print(before + ToLine(row) + (m_IsArray ? "" : "\n"));
+    m_Print(before + ToLine(row) + (m_IsArray ? "" : "\n"));
     m_HasRows = true;
   }
 
   void End() override {
-    if (m_IsArray) Console::Print(m_HasRows ? "\n]\n" : "[]\n");
+    if (m_IsArray) m_Print(m_HasRows ? "\n]\n" : "[]\n");
   }
 
  private:
   bool m_IsArray;
+  Printer m_Print;
   bool m_HasRows = false;
   std::vector<OutputColumn> m_Columns;
 };
+
+void PrintToConsole(const std::string& text) { Console::Print(text); }
 
 }  // namespace
 
@@ -159,15 +165,23 @@ void RowOutput::AddFormatOption(CLI::App& command, OutputFormat& format) {
 std::unique_ptr<RowOutput> RowOutput::Make(OutputFormat format, std::optional<int> digits) {
   switch (format) {
     case OutputFormat::Csv:
-      return std::make_unique<CsvOutput>();
+      return MakeCsv(PrintToConsole);
     case OutputFormat::Json:
-      return std::make_unique<JsonOutput>(true);
+      return std::make_unique<JsonOutput>(true, PrintToConsole);
     case OutputFormat::JsonLines:
-      return std::make_unique<JsonOutput>(false);
+      return MakeJsonLines(PrintToConsole);
     case OutputFormat::Table:
       break;
   }
   return std::make_unique<TableOutput>(digits);
+}
+
+std::unique_ptr<RowOutput> RowOutput::MakeCsv(Printer print) {
+  return std::make_unique<CsvOutput>(std::move(print));
+}
+
+std::unique_ptr<RowOutput> RowOutput::MakeJsonLines(Printer print) {
+  return std::make_unique<JsonOutput>(false, std::move(print));
 }
 
 void PrintLines(const std::string& column, const std::vector<std::string>& texts,

@@ -3,6 +3,7 @@
 #include <QeltaCell.h>
 
 #include <CLI/CLI.hpp>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -23,7 +24,7 @@ struct OutputColumn {
   bool isDispensable = false;  ///< may be left out of a table for which the terminal is too narrow
 };
 
-/// Writes rows to the standard output in the format of the user's choice: a table for people, or
+/// Writes rows in the format of the user's choice: a table for people, to the standard output, or
 /// exact numbers for programs.
 class RowOutput {
  public:
@@ -34,6 +35,11 @@ class RowOutput {
 
   /// `digits` counts in tables alone; without, tables use fewer than six on a narrow terminal.
   static std::unique_ptr<RowOutput> Make(OutputFormat format, std::optional<int> digits = {});
+
+  /// Exact numbers that go to `print`: csv, or an object a line.
+  using Printer = std::function<void(const std::string& text)>;
+  static std::unique_ptr<RowOutput> MakeCsv(Printer print);
+  static std::unique_ptr<RowOutput> MakeJsonLines(Printer print);
 
   virtual ~RowOutput() = default;
   RowOutput(const RowOutput&) = delete;

@@ -4,11 +4,13 @@
 #include <QeltaPatternText.h>
 #include <QeltaRecordRows.h>
 #include <QeltaSelectingSink.h>
+#include <QeltaVtuExport.h>
 
 #include <cstdio>
 #include <vector>
 
-// Returns 0 when the import and its summary agree on what a selection picks.
+// Returns 0 when the import and its summary agree on what a selection picks, and it can be
+// exported.
 int main(int argc, char** argv) {
   if (argc != 2) return 1;
   const qelta::QeltaPatternText pattern({"LABEL=DISP"});
@@ -19,5 +21,6 @@ int main(int argc, char** argv) {
   for (const auto& block : qelta::SummarizeFrd(argv[1]).blocks) keys.push_back(block.key);
   const std::size_t count = pattern.Select(keys).size();
   std::printf("import: %zu blocks\n", count);
+  qelta::QeltaVtuExport(database, pattern.Select(database), {}).WriteCollection("import.pvd");
   return count > 0 && count == pattern.Select(database).size() ? 0 : 3;
 }
