@@ -36,6 +36,45 @@ Key StepKey(const StepOrder& order) {
   return key;
 }
 
+// Calls `visit` with the order itself, and with every order that has some of its values only.
+template <class Visit>
+void VisitParts(const StepOrder& order, const Visit& visit) {
+  for (unsigned left = 0; left < 1U << order.size(); ++left) {
+    StepOrder part = order;
+    bool isPart = true;
+    for (std::size_t i = 0; i < order.size(); ++i) {
+      if ((left >> i & 1U) == 0) continue;
+      isPart = isPart && order[i].has_value();
+      part[i].reset();
+    }
+    if (isPart) visit(part);
+  }
+}
+
+using StepGroups = std::map<StepOrder, std::vector<Key>>;
+
+// The groups that hold at several steps: others say more and agree with them.
+std::set<StepOrder> FindShared(const StepGroups& groups) {
+  std::set<StepOrder> shared = {StepOrder{}};
+  for (const auto& group : groups) {
+    VisitParts(group.first, [&](const StepOrder& part) {
+      if (part != group.first && groups.count(part) != 0) shared.insert(part);
+    });
+  }
+  return shared;
+}
+
+std::vector<Key> BlocksAt(const StepOrder& order, const StepGroups& groups) {
+  std::vector<Key> blocks;
+  VisitParts(order, [&](const StepOrder& part) {
+    const auto found = groups.find(part);
+    if (found == groups.end() || part == StepOrder{}) return;
+    blocks.insert(blocks.end(), found->second.begin(), found->second.end());
+  });
+  std::sort(blocks.begin(), blocks.end());
+  return blocks;
+}
+
 void FindValue(const FED_Database& database, QeltaStep& step) {
   constexpr std::array<std::pair<FED_OnfId, const char*>, 3> kKinds = {
       {{ONF_FRAME_TIME, "time"},
@@ -151,17 +190,16 @@ std::string NameOf(const Key& key, const Suffixes& suffixes) {
 }  // namespace
 
 QeltaSteps FindSteps(const FED_Database& database, const std::vector<Key>& keys) {
-  std::map<StepOrder, std::vector<Key>> groups;
+  StepGroups groups;
   for (const Key& key : keys) groups[OrderOf(key)].push_back(key);
+  const std::set<StepOrder> shared = FindShared(groups);
   QeltaSteps result;
-  for (auto& [order, blocks] : groups) {
-    if (order == StepOrder{}) {
-      result.constant = std::move(blocks);
-      continue;
-    }
+  for (const auto& [order, blocks] : groups) {
+    if (order == StepOrder{}) result.constant = blocks;
+    if (shared.count(order) != 0) continue;
     QeltaStep step;
     step.key = StepKey(order);
-    step.blocks = std::move(blocks);
+    step.blocks = BlocksAt(order, groups);
     FindValue(database, step);
     result.steps.push_back(std::move(step));
   }
@@ -183,13 +221,19 @@ QeltaStepScale ScaleOf(const std::vector<QeltaStep>& steps) {
 std::vector<std::string> NameBlocks(const std::vector<Key>& keys) {
   const std::map<std::string, Suffixes> suffixes = CollectSuffixes(keys);
   std::set<std::pair<StepOrder, std::string>> taken;
+  const auto isTaken = [&taken](const StepOrder& step, const std::string& name) {
+    bool is = false;
+    VisitParts(step, [&](const StepOrder& part) { is = is || taken.count({part, name}) != 0; });
+    return is;
+  };
   std::vector<std::string> names;
   for (const Key& key : keys) {
     std::string name = NameOf(key, suffixes.at(BaseName(key)));
     const StepOrder step = OrderOf(key);
-    if (taken.count({step, name}) != 0) name += "_" + KindName(key);
+    if (isTaken(step, name)) name += "_" + KindName(key);
     const std::string stem = name;
-    for (int i = 2; !taken.emplace(step, name).second; ++i) name = stem + "_" + std::to_string(i);
+    for (int i = 2; isTaken(step, name); ++i) name = stem + "_" + std::to_string(i);
+    taken.emplace(step, name);
     names.push_back(std::move(name));
   }
   return names;

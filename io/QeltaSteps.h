@@ -23,7 +23,9 @@ struct QeltaSteps {
   std::vector<FED_DataDescriptor> constant;
 };
 
-/// Groups keys of blocks of a database by their step.
+/// Groups keys of blocks of a database by their step. A block whose key leaves out some of these
+/// fields holds at every step that agrees with the others: a density of ITERATION=3 at both
+/// ITERATION=3/LOADCASE=1 and ITERATION=3/LOADCASE=2.
 QeltaSteps FindSteps(const FED_Database& database, const std::vector<FED_DataDescriptor>& keys);
 
 /// A number for each step that grows from step to step: the values of the steps when they are of
@@ -35,7 +37,7 @@ struct QeltaStepScale {
 };
 QeltaStepScale ScaleOf(const std::vector<QeltaStep>& steps);
 
-/// Names for the values of blocks, in their order and each but once within a step: the LABEL or
+/// Names for the values of blocks in ascending order, each but once within a step: the LABEL or
 /// else the kind, followed by what tells apart, such as "_imaginary", "_phase" or "_layer2".
 std::vector<std::string> NameBlocks(const std::vector<FED_DataDescriptor>& keys);
 

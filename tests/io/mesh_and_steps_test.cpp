@@ -108,6 +108,20 @@ TEST(Steps, OfASolverRun) {
   EXPECT_EQ(all.steps[4].valueName, "frequency");
 }
 
+TEST(Steps, BlocksThatSayLessHoldAtAllThatAgree) {
+  const Database database;
+  const Key density = MakeKey({{Key::ITERATION, 3}});
+  const Key load1 = MakeKey({{Key::ITERATION, 3}, {Key::LOADCASE, 1}});
+  const Key load2 = MakeKey({{Key::ITERATION, 3}, {Key::LOADCASE, 2}});
+  const Key other = MakeKey({{Key::ITERATION, 4}});
+  const QeltaSteps found = FindSteps(database, {density, other, load1, load2});
+  ASSERT_EQ(found.steps.size(), 3u);
+  EXPECT_THAT(found.steps[0].blocks, ElementsAre(density, load1));
+  EXPECT_THAT(found.steps[1].blocks, ElementsAre(density, load2));
+  EXPECT_THAT(found.steps[2].blocks, ElementsAre(other));
+  EXPECT_THAT(NameBlocks({density, load1}), ElementsAre("custom", "custom_custom"));
+}
+
 TEST(Steps, AreNumberedWhenNothingGrows) {
   const Database database;
   const auto scale = [&](const std::vector<Key>& keys) {
