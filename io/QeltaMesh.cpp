@@ -14,19 +14,16 @@ using Key = FED_DataDescriptor;
 
 constexpr const char* kLocation = "|%P|QeltaIo|QeltaMesh";
 
-Key WithKind(Key key, FED_OnfId kind) {
-  key.SetInteger(Key::ONF, kind);
-  return key;
-}
-
 std::int32_t ReadNumber(const unsigned char* place) {
   std::int32_t number;
   std::memcpy(&number, place, sizeof number);
   return number;
 }
 
-bool IsMesh(const Key& key) {
-  return key.Has(Key::ONF) && key.GetInteger(Key::ONF) == ONF_NODE_COORDINATES;
+std::vector<Key> FindKind(const FED_Database& database, FED_OnfId kind) {
+  FED_DataDescriptorPattern pattern;
+  pattern.SetMatchExact(Key::ONF, kind);
+  return database.FindBlocks(pattern);
 }
 
 // How many fields of a mesh's key say that it is the mesh of a block; -1 when one contradicts.
@@ -41,12 +38,30 @@ int Agreement(const Key& mesh, const Key& block) {
   return agreeing;
 }
 
+bool HasSameLabel(const Key& a, const Key& b) {
+  return a.Has(Key::LABEL) == b.Has(Key::LABEL) &&
+         (!a.Has(Key::LABEL) || a.GetInteger(Key::LABEL) == b.GetInteger(Key::LABEL));
+}
+
+const FED_DataBlock* FindTopology(const FED_Database& database, const Key& nodes) {
+  const FED_DataBlock* best = nullptr;
+  int bestAgreement = -1;
+  for (const Key& key : FindKind(database, ONF_ELEMENT_TOPOLOGY)) {
+    const int agreement = Agreement(key, nodes);
+    if (!HasSameLabel(key, nodes) || agreement <= bestAgreement) continue;
+    best = &database.GetDataBlock(key);
+    bestAgreement = agreement;
+  }
+  return best;
+}
+
 }  // namespace
 
 QeltaMesh::QeltaMesh(const FED_Database& database, const Key& nodes)
-    : m_Key(nodes), m_Coordinates(&database.GetDataBlock(nodes)), m_Nodes(*m_Coordinates) {
-  const Key elements = WithKind(nodes, ONF_ELEMENT_TOPOLOGY);
-  m_Topology = database.HasBlock(elements) ? &database.GetDataBlock(elements) : nullptr;
+    : m_Key(nodes),
+      m_Coordinates(&database.GetDataBlock(nodes)),
+      m_Topology(FindTopology(database, nodes)),
+      m_Nodes(*m_Coordinates) {
   if (m_Topology != nullptr) m_Cells = QeltaPositions(*m_Topology);
 }
 
@@ -106,8 +121,8 @@ void QeltaMesh::ReadNodes(std::size_t position, const std::vector<std::int32_t>&
 }
 
 QeltaMeshes::QeltaMeshes(const FED_Database& database) {
-  for (const Key& key : database.FindBlocks(FED_DataDescriptorPattern())) {
-    if (IsMesh(key)) m_Meshes.emplace_back(database, key);
+  for (const Key& key : FindKind(database, ONF_NODE_COORDINATES)) {
+    m_Meshes.emplace_back(database, key);
   }
 }
 

@@ -12,8 +12,10 @@
 
 namespace qelta {
 
-/// A mesh of a database: the nodes of a NODE_COORDINATES block, and the elements of the
-/// ELEMENT_TOPOLOGY block with the same key.
+/// A mesh of a database: the nodes of a NODE_COORDINATES block, and the elements of an
+/// ELEMENT_TOPOLOGY block: of those with its LABEL whose key agrees with that of the nodes in every
+/// field it specifies the one with most fields. So the moved nodes of ITERATION=3 may have the
+/// elements of all iterations.
 ///
 /// Nodes and cells are numbered without gaps from 0, in ascending order of their record indices.
 /// Nothing of the mesh is kept in memory but the gaps between records; every visit reads the

@@ -81,6 +81,17 @@ TEST(Mesh, RefusesElementsThatDoNotFit) {
   }
 }
 
+TEST(Mesh, OfMovedNodesHasTheCommonElements) {
+  Database database;
+  const Key moved = MakeKey({{Key::ONF, ONF_NODE_COORDINATES}, {Key::ITERATION, 4}});
+  const Key second = MakeKey({{Key::ONF, ONF_NODE_COORDINATES}}, "#2");
+  for (const std::size_t index : {0u, 1u}) database.SetNode(moved, index);
+  database.SetNode(second, 0);
+  database.SetElement(Key(ONF_NODE_COORDINATES), 0, 3, {0, 1});
+  EXPECT_EQ(QeltaMesh(database, moved).GetCells().GetCount(), 1u);
+  EXPECT_EQ(QeltaMesh(database, second).GetCells().GetCount(), 0u);
+}
+
 TEST(Meshes, BlocksFindTheirs) {
   Database database;
   const Key common = MakeKey({{Key::ONF, ONF_NODE_COORDINATES}});
