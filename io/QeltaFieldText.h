@@ -40,6 +40,9 @@ class QeltaKeyChanges {
   bool IsEmpty() const { return m_Values.EqualTo({}) && m_Removed.empty(); }
   void ApplyTo(FED_DataDescriptor& key) const;
 
+  /// The keys as they become, in their order; fails when two of them become one.
+  std::vector<FED_DataDescriptor> ApplyToAll(const std::vector<FED_DataDescriptor>& keys) const;
+
  private:
   FED_DataDescriptor m_Values;
   std::vector<FED_DataDescriptor::ResultIndex> m_Removed;
