@@ -3,6 +3,9 @@
 #include <FED_Failure.h>
 #include <FED_FileDatabase.h>
 #include <FrdSource.h>
+#ifdef QELTA_HDF5
+#include <QeltaHdf5.h>
+#endif
 #include <QeltaStringUtil.h>
 
 #include <filesystem>
@@ -73,6 +76,9 @@ void BackupDatabase(const std::string& name, const std::string& target,
 }
 
 bool IsDeviceFailure(const FED_Exception& failure) {
+#ifdef QELTA_HDF5
+  if (IsHdf5DeviceFailure(failure)) return true;
+#endif
   return FED_FileDatabase::IsSystemFailure(failure) ||
          failure.GetMessageId() == FrdSource::kReadErrorId;
 }
