@@ -45,7 +45,9 @@ void Hdf5Column::Append(const void* rows, std::size_t count, std::size_t step) {
   while (count > 0) {
     const std::size_t used = m_Buffer.size();
     const std::size_t share = std::min(count, m_ChunkRows - used / m_RowBytes);
-    if (step == m_RowBytes) {
+    if (step == m_RowBytes && m_Dataset.IsOpen() && share == m_ChunkRows) {
+      Write(from, share);
+    } else if (step == m_RowBytes) {
       m_Buffer.insert(m_Buffer.end(), from, from + share * step);
     } else {
       m_Buffer.resize(used + share * m_RowBytes);
@@ -53,8 +55,8 @@ void Hdf5Column::Append(const void* rows, std::size_t count, std::size_t step) {
     }
     from += share * step;
     count -= share;
-    // A chunk that is full waits for the next row: it may have been the only one.
-    if (count > 0) Flush();
+    // The first chunk that is full waits for the next row: it may remain the only one.
+    if (count > 0 || (m_Dataset.IsOpen() && m_Buffer.size() == m_ChunkRows * m_RowBytes)) Flush();
   }
 }
 
@@ -62,6 +64,11 @@ void Hdf5Column::Flush() {
   const hsize_t rows = m_Buffer.size() / m_RowBytes;
   if (rows == 0) return;
   if (!m_Dataset.IsOpen()) Make(m_ChunkRows, true);
+  Write(m_Buffer.data(), rows);
+  m_Buffer.clear();
+}
+
+void Hdf5Column::Write(const void* values, hsize_t rows) {
   const std::vector<hsize_t> end = Extent(m_Written + rows);
   CheckHdf5(H5Dset_extent(m_Dataset, end.data()));
   const Hdf5Handle space(H5Dget_space(m_Dataset));
@@ -69,9 +76,8 @@ void Hdf5Column::Flush() {
   const hsize_t start[2] = {m_Written, 0};
   const std::vector<hsize_t> extent = Extent(rows);
   CheckHdf5(H5Sselect_hyperslab(space, H5S_SELECT_SET, start, nullptr, extent.data(), nullptr));
-  CheckHdf5(H5Dwrite(m_Dataset, m_Type, part, space, H5P_DEFAULT, m_Buffer.data()));
+  CheckHdf5(H5Dwrite(m_Dataset, m_Type, part, space, H5P_DEFAULT, values));
   m_Written += rows;
-  m_Buffer.clear();
 }
 
 Hdf5Handle Hdf5Column::Close() {

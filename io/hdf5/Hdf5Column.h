@@ -39,6 +39,7 @@ class Hdf5Column {
   std::vector<hsize_t> Extent(hsize_t rows) const;
   Hdf5Handle MakeSpace(hsize_t rows, bool grows) const;
   void Make(hsize_t rows, bool grows);
+  void Write(const void* values, hsize_t rows);
 
   hid_t m_Parent;
   std::string m_Name;

@@ -46,7 +46,10 @@ struct OutputFile : H5FD_t {
 OutputFile& Cast(H5FD_t* file) { return *static_cast<OutputFile*>(file); }
 const OutputFile& Cast(const H5FD_t* file) { return *static_cast<const OutputFile*>(file); }
 
-H5FD_t* Open(const char* name, unsigned, hid_t access, haddr_t) {
+// The library tries first whether there is such a file. To make it then, and to empty it in the
+// next attempt, would have ext4 write all of it to the disk before it is closed.
+H5FD_t* Open(const char* name, unsigned flags, hid_t access, haddr_t) {
+  if ((flags & H5F_ACC_CREAT) == 0) return nullptr;
   int& error = **static_cast<int* const*>(H5Pget_driver_info(access));
   try {
     auto output = std::make_unique<OutputFile>(error);
