@@ -1,5 +1,5 @@
 # What is installed, in parts that packages are made of: Library (all shared libraries), Development,
-# Fortran (for development, too) and Tool. For users it is a CMake package with the components Core, File, Io and Fortran,
+# Fortran (for development, too) and Tool. For users it is a CMake package with the components Core, File, Io, Hdf5 and Fortran,
 # and the pkg-config modules qelta-db-connector, qelta-file and qelta-fortran.
 include(CMakePackageConfigHelpers)
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/QeltaDbConnector)

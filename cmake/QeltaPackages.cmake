@@ -43,6 +43,8 @@ endmacro()
 qelta_debian_package(Library ${library} libs "" "This package has the shared libraries.")
 qelta_debian_package(Development libqeltadbconnector-dev libdevel "${library} ${same}"
   "This package has headers,\nCMake package and pkg-config modules for programs in C++ and C.")
+# What static libraries in it are linked with.
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS "libhdf5-dev, zlib1g-dev")
 qelta_debian_package(Fortran libqeltadbconnector-fortran-dev libdevel
   "libqeltadbconnector-dev ${same}, gfortran-12 | gfortran-mod-15"
   "This package has the Fortran module and its sources.")

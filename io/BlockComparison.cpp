@@ -111,7 +111,7 @@ void BlockComparison::CompareRecords(std::size_t first, std::size_t count,
     ++m_Result.records;
     QeltaBulkAccess::ReadRun(m_B, *partner, 1, m_Record.data());
     if (!m_Others.empty()) CompareOthers(first + i, *partner);
-    if (std::memcmp(records, m_Record.data(), m_Record.size()) != 0) {
+    if (!m_Numbers.empty() && std::memcmp(records, m_Record.data(), m_Record.size()) != 0) {
       CompareNumbers(first + i, records, m_Record.data());
     }
   }

@@ -4,8 +4,6 @@
 #include <FED_MemoryIdMap.h>
 #include <RecordCursor.h>
 
-#include <set>
-
 #include "QeltaComponents.h"
 
 namespace qelta {
@@ -54,16 +52,9 @@ QeltaBlockCopy::QeltaBlockCopy(const FED_Database& source, FED_Database& target,
                                const std::vector<Key>& keys, const QeltaKeyChanges& changes,
                                QeltaConflict conflict)
     : m_Source(source), m_Target(target) {
-  std::set<Key> used;
-  for (const Key& key : keys) {
-    Key changed = key.Duplicate();
-    changes.ApplyTo(changed);
-    if (!used.insert(changed).second) {
-      FED_Failure::Throw(kCollisionId, kLocation,
-                         "With these changes of keys %s and another block would both become %s; "
-                         "select fewer blocks or change other fields.",
-                         key.ToString().c_str(), changed.ToString().c_str());
-    }
+  const std::vector<Key> changedKeys = changes.ApplyToAll(keys);
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    const Key& changed = changedKeys[i];
     const bool isThere = target.HasBlock(changed);
     if (isThere && conflict == QeltaConflict::Fail) {
       FED_Failure::Throw(kConflictId, kLocation,
@@ -74,7 +65,7 @@ QeltaBlockCopy::QeltaBlockCopy(const FED_Database& source, FED_Database& target,
       ++m_Skipped;
     } else {
       m_Replaced += isThere ? 1 : 0;
-      m_Jobs.emplace_back(key, changed.Duplicate());
+      m_Jobs.emplace_back(keys[i], changed.Duplicate());
     }
   }
 }

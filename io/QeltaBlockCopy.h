@@ -21,10 +21,8 @@ enum class QeltaConflict { Fail, Skip, Replace };
 /// ids and names of the source first where it knows none of a type.
 class QeltaBlockCopy {
  public:
-  // The message ids of the two failures of a plan.
-  static constexpr const char* kCollisionId =
-      "310000000603";                                         ///< the changes give two blocks a key
-  static constexpr const char* kConflictId = "310000000604";  ///< the target has a block
+  /// The message id of the failure of a plan when the target has a block.
+  static constexpr const char* kConflictId = "310000000604";
 
   /// Plans the copy of the blocks of the given keys. Fails, and nothing is copied, when the target
   /// has one and `conflict` is Fail, or when the changes give two blocks one key. Both databases

@@ -69,7 +69,8 @@ std::vector<QeltaComponent> NumbersOf(const FED_DataBlock& block) {
 
 void VisitRecords(const FED_DataBlock& block, const QeltaRecordVisitor& visit) {
   const std::size_t size = block.GetRecordSize();
-  const std::size_t batch = std::max<std::size_t>(kBatchBytes / size, 1);
+  const std::size_t fitting = kBatchBytes / std::max<std::size_t>(size, 1);
+  const std::size_t batch = std::clamp<std::size_t>(fitting, 1, block.GetNumRecords() + 1);
   std::vector<unsigned char> records(batch * size);
   FED_IntSetIntvl<int> runs;
   QeltaBulkAccess::PresentRuns(block, runs);
@@ -84,10 +85,15 @@ void VisitRecords(const FED_DataBlock& block, const QeltaRecordVisitor& visit) {
 }
 
 FED_IdType RecordIdTypeOf(const FED_DataBlock& block) {
-  const FED_DataDescriptor& key = block.GetDescriptor();
-  if (key.Has(FED_DataDescriptor::ONF) || !key.Has(FED_DataDescriptor::ID_TYPE)) {
-    return MetaDataOf(block).idTypes.front();
+  return RecordIdTypeOf(block.GetDescriptor());
+}
+
+FED_IdType RecordIdTypeOf(const FED_DataDescriptor& key) {
+  if (key.Has(FED_DataDescriptor::ONF)) {
+    const auto kind = static_cast<FED_OnfId>(key.GetInteger(FED_DataDescriptor::ONF));
+    return FED_OnfInfoPool::GetOnfInfo(kind).idTypes.front();
   }
+  if (!key.Has(FED_DataDescriptor::ID_TYPE)) return ID_TYPE_RECORD_INDEX;
   const int type = key.GetInteger(FED_DataDescriptor::ID_TYPE);
   const bool isKnown = ID_TYPE_NODE <= type && type <= ID_TYPE_RECORD_INDEX;
   return isKnown ? static_cast<FED_IdType>(type) : ID_TYPE_RECORD_INDEX;

@@ -36,5 +36,7 @@ void VisitRecords(const FED_DataBlock& block, const QeltaRecordVisitor& visit);
 /// What the records of a block belong to: the id type of its kind, or for a custom block the
 /// ID_TYPE of its key.
 FED_IdType RecordIdTypeOf(const FED_DataBlock& block);
+/// The same for the block of a key.
+FED_IdType RecordIdTypeOf(const FED_DataDescriptor& key);
 
 }  // namespace qelta

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
 
 #include "QeltaNames.h"
 
@@ -133,6 +134,21 @@ QeltaKeyChanges::QeltaKeyChanges(const std::vector<std::string>& texts) {
 void QeltaKeyChanges::ApplyTo(Key& key) const {
   key.AssignSpecifiedValues(m_Values);
   for (const Key::ResultIndex field : m_Removed) key.Unset(field);
+}
+
+std::vector<Key> QeltaKeyChanges::ApplyToAll(const std::vector<Key>& keys) const {
+  std::vector<Key> changed;
+  std::set<Key> used;
+  for (const Key& key : keys) {
+    changed.push_back(key.Duplicate());
+    ApplyTo(changed.back());
+    if (used.insert(changed.back()).second) continue;
+    FED_Failure::Throw(kCollisionId, "|%P|QeltaIo|QeltaKeyChanges",
+                       "With these changes of keys %s and another block would both become %s; "
+                       "select fewer blocks or change other fields.",
+                       key.ToString().c_str(), changed.back().ToString().c_str());
+  }
+  return changed;
 }
 
 }  // namespace qelta

@@ -46,6 +46,12 @@ class QeltaKeyChanges {
   bool IsEmpty() const { return m_Values.EqualTo({}) && m_Removed.empty(); }
   void ApplyTo(FED_DataDescriptor& key) const;
 
+  /// The message id of the failure of ApplyToAll.
+  static constexpr const char* kCollisionId = "310000000603";
+
+  /// The keys as they become, in their order; fails when two of them become one.
+  std::vector<FED_DataDescriptor> ApplyToAll(const std::vector<FED_DataDescriptor>& keys) const;
+
  private:
   FED_DataDescriptor m_Values;
   std::vector<FED_DataDescriptor::ResultIndex> m_Removed;

@@ -97,7 +97,7 @@ expect 0 help pattern
 prints "INCREMENT=max/LOADCASE"
 expect 0 completion bash
 grep -q "ls) options='.*--group-by" "$out" || fail "no completion of options"
-prints "formats='vtu pvd csv jsonl'"
+prints "formats='vtu pvd hdf5 csv jsonl'"
 expect 0 --help
 prints "Exit codes"
 expect 0 --version

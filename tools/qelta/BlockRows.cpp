@@ -54,7 +54,7 @@ BlockRows::BlockRows(const FED_DataBlock& block, const FED_IdMapsPool& maps,
 }
 
 std::size_t BlockRows::Print(RowOutput& output) {
-  if (m_Cells.empty()) return 0;
+  if (m_Cells.empty() && !m_Choice.fields.empty()) return 0;
   output.Begin(Columns(), m_Descriptor + "\n" + KindText(m_Block));
   if (!m_Choice.ids.empty() || !m_Choice.names.empty()) {
     AddByKeys(output);

@@ -4,6 +4,9 @@
 #include <FED_LogMacros.h>
 #include <FrdSource.h>
 #include <QeltaOutputFile.h>
+#ifdef QELTA_HDF5
+#include <QeltaHdf5.h>
+#endif
 #include <QeltaStringUtil.h>
 
 #include <CLI/CLI.hpp>
@@ -91,6 +94,9 @@ void BackupDatabase(const std::string& name, const std::string& target,
 }
 
 bool IsDeviceFailure(const FED_Exception& failure) {
+#ifdef QELTA_HDF5
+  if (IsHdf5DeviceFailure(failure)) return true;
+#endif
   return FED_FileDatabase::IsSystemFailure(failure) ||
          failure.GetMessageId() == FrdSource::kReadErrorId || QeltaOutputFile::IsFailure(failure);
 }

@@ -17,15 +17,18 @@ namespace {
 struct Format {
   const char* name;
   std::vector<std::string> endings;  // of files
-  bool isPicture;                    // may be compressed and deformed
+  bool compresses;                   // may be compressed
+  bool deforms;                      // may be deformed
   std::string (*write)(ExportJob& job);
 };
 
 const std::vector<Format>& Formats() {
-  static const std::vector<Format> kFormats = {{"vtu", {".vtu"}, true, ExportVtuFile},
-                                               {"pvd", {".pvd"}, true, ExportVtuCollection},
-                                               {"csv", {".csv"}, false, ExportCsvRows},
-                                               {"jsonl", {".jsonl"}, false, ExportJsonRows}};
+  static const std::vector<Format> kFormats = {
+      {"vtu", {".vtu"}, true, true, ExportVtuFile},
+      {"pvd", {".pvd"}, true, true, ExportVtuCollection},
+      {"hdf5", {".h5", ".hdf5"}, true, false, ExportHdf5File},
+      {"csv", {".csv"}, false, false, ExportCsvRows},
+      {"jsonl", {".jsonl"}, false, false, ExportJsonRows}};
   return kFormats;
 }
 
@@ -68,13 +71,16 @@ struct Options {
   std::string format;
 };
 
+void RefuseUnless(bool isPossible, const std::string& option, const Format& format) {
+  if (isPossible) return;
+  throw CLI::ValidationError(option, std::string("it means nothing for ") + format.name);
+}
+
 int Export(Options& options) {
   ExportJob& job = options.job;
   const Format& format = FormatOf(options.format, job.output);
-  if (!format.isPicture && (job.compresses || job.deformation)) {
-    throw CLI::ValidationError("--compress and --deformed",
-                               std::string("they are for vtu and pvd, not for ") + format.name);
-  }
+  RefuseUnless(format.compresses || !job.compresses, "--compress", format);
+  RefuseUnless(format.deforms || !job.deformation, "--deformed", format);
   if (job.deformation && !std::isfinite(*job.deformation)) {
     throw CLI::ValidationError("--deformed", "the scale is not finite");
   }
@@ -98,7 +104,8 @@ void AddExportCommand(CLI::App& app, Action& action) {
   command->add_option("--format", options->format, "The format, whatever the ending is")
       ->check(OneOf(Names()))
       ->type_name(TypeName());
-  command->add_flag("--compress", job.compresses, "Compress vtu files");
+  command->add_flag("--compress", job.compresses,
+                    "Compress vtu and hdf5 files: smaller, but slower");
   command
       ->add_option("--deformed", job.deformation,
                    "Move the nodes in vtu files by so many times\ntheir displacement or mode shape")
@@ -107,6 +114,7 @@ void AddExportCommand(CLI::App& app, Action& action) {
       "vtu    one step of one mesh, for ParaView: values at nodes and elements, their\n"
       "       ids, groups and materials. A missing value is NaN.\n"
       "pvd    all steps: vtu files in the folder NAME_vtu, and their times in NAME.pvd\n"
+      "hdf5   everything, for h5py and others; 'import' brings it back as it was\n"
       "csv    the rows of one block, as 'show' gives them; with -o FOLDER/ a file for\n"
       "       each block\n"
       "jsonl  the rows of all blocks, an object a line that names its block\n"
@@ -117,6 +125,7 @@ void AddExportCommand(CLI::App& app, Action& action) {
       "Examples:\n"
       "  qelta export job.frd -o job.pvd\n"
       "  qelta export run.db -w STATE=3 --deformed 20 -o mode3.vtu\n"
+      "  qelta export run.db -o run.h5\n"
       "  qelta export run.db -w LABEL=STRESS -w INCREMENT=max -o stress.csv\n"
       "  qelta export run.db --latest --format csv -o tables/");
   command->callback([&action, options] { action = [options] { return Export(*options); }; });

@@ -39,5 +39,6 @@ std::string ExportVtuFile(ExportJob& job);
 std::string ExportVtuCollection(ExportJob& job);
 std::string ExportCsvRows(ExportJob& job);
 std::string ExportJsonRows(ExportJob& job);
+std::string ExportHdf5File(ExportJob& job);
 
 }  // namespace qelta

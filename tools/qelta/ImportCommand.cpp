@@ -2,6 +2,9 @@
 #include <FrdSource.h>
 #include <FrdSummary.h>
 #include <QeltaCsvImport.h>
+#ifdef QELTA_HDF5
+#include <QeltaHdf5.h>
+#endif
 
 #include <algorithm>
 #include <filesystem>
@@ -69,24 +72,34 @@ bool IsInFrame(const Key& key, int frame) {
   return !key.Has(Key::SUBSTEP) || key.GetInteger(Key::SUBSTEP) == frame;
 }
 
-// Extremes are known when the whole file is: it is read once more for them. None without the step.
-std::vector<Key> SelectKeys(const Options& options, const QeltaPatternText& pattern) {
-  std::vector<Key> keys;
-  int latest = std::numeric_limits<int>::min();
-  bool hasStep = false;
-  for (const auto& block : SummarizeFrd(options.file, options.reading).blocks) {
-    if (!IsInStep(block.key, options)) continue;
-    keys.push_back(block.key);
-    hasStep = hasStep || IsOfStep(block.key, options);
-    if (block.key.Has(Key::SUBSTEP)) latest = std::max(latest, block.key.GetInteger(Key::SUBSTEP));
+// Of all keys of a file; none without the step.
+std::vector<Key> SelectKeys(std::vector<Key> keys, const Options& options,
+                            const QeltaPatternText& pattern) {
+  const auto drop = [&keys](auto isUnwanted) {
+    keys.erase(std::remove_if(keys.begin(), keys.end(), isUnwanted), keys.end());
+  };
+  drop([&options](const Key& key) { return !IsInStep(key, options); });
+  if (std::none_of(keys.begin(), keys.end(),
+                   [&options](const Key& key) { return IsOfStep(key, options); })) {
+    return {};
   }
-  if (!hasStep) keys.clear();
   if (options.onlyLatest) {
-    keys.erase(std::remove_if(keys.begin(), keys.end(),
-                              [latest](const Key& key) { return !IsInFrame(key, latest); }),
-               keys.end());
+    int latest = std::numeric_limits<int>::min();
+    for (const Key& key : keys) {
+      if (key.Has(Key::SUBSTEP)) latest = std::max(latest, key.GetInteger(Key::SUBSTEP));
+    }
+    drop([latest](const Key& key) { return !IsInFrame(key, latest); });
   }
   return pattern.Select(std::move(keys));
+}
+
+// Extremes are known when the whole file is: it is read once more for them.
+std::vector<Key> SelectKeys(const Options& options, const QeltaPatternText& pattern) {
+  std::vector<Key> keys;
+  for (const auto& block : SummarizeFrd(options.file, options.reading).blocks) {
+    keys.push_back(block.key);
+  }
+  return SelectKeys(std::move(keys), options, pattern);
 }
 
 FrdImportChoice MakeChoice(const Options& options, const QeltaPatternText& pattern,
@@ -106,9 +119,7 @@ FrdImportChoice MakeChoice(const Options& options, const QeltaPatternText& patte
   return choice;
 }
 
-int PrintPlan(const Options& options, const QeltaPatternText& pattern,
-              const QeltaKeyChanges& changes) {
-  const std::vector<Key> keys = SelectKeys(options, pattern);
+int PrintPlan(const std::vector<Key>& keys, const QeltaKeyChanges& changes) {
   for (Key key : keys) {
     changes.ApplyTo(key);
     Console::Print(key.ToString() + "\n");
@@ -124,7 +135,7 @@ int ImportResults(Options& options, const QeltaKeyChanges& changes) {
                                "What is the latest, the highest or the lowest, and "
                                "what would be imported, is not known yet.");
   }
-  if (options.isDryRun) return PrintPlan(options, pattern, changes);
+  if (options.isDryRun) return PrintPlan(SelectKeys(options, pattern), changes);
   if (options.follows) WaitForFile(options.file, options.timeout);
   FrdImportChoice choice = MakeChoice(options, pattern, changes);
   std::uint64_t blocks = 0;
@@ -152,6 +163,40 @@ int ImportResults(Options& options, const QeltaKeyChanges& changes) {
   Console::Print("imported " + CountText(blocks, "block") +
                  (isComplete ? "" : "; the file has no end record yet") + "\n");
   return blocks == 0 ? EXIT_NOTHING_FOUND : EXIT_DONE;
+}
+
+bool IsHdf5(const std::string& name) {
+#ifdef QELTA_HDF5
+  if (QeltaHdf5File::IsOne(name)) return true;
+#endif
+  return HasEnding(name, ".h5") || HasEnding(name, ".hdf5");
+}
+
+int ImportHdf5(const Options& options, const QeltaKeyChanges& changes) {
+  if (options.follows || options.timeout || options.reading.acceptRunningJob) {
+    throw CLI::ValidationError("import",
+                               "no running job writes an HDF5 file; leave --follow, --timeout and "
+                               "--running out.");
+  }
+#ifdef QELTA_HDF5
+  const QeltaHdf5File file(options.file);
+  const std::vector<Key> keys = SelectKeys(file.GetKeys(), options, options.selection.GetPattern());
+  if (options.isDryRun) return PrintPlan(keys, changes);
+  if (keys.empty()) {
+    Console::Print("imported 0 blocks\n");
+    return EXIT_NOTHING_FOUND;
+  }
+  TargetDatabase target(options.target, false, options.CacheBytes());
+  Progress progress("importing " + options.file, options.showProgress);
+  file.Import(keys, changes, target.Get(),
+              [&progress](std::uint64_t done, std::uint64_t total) { progress.Show(done, total); });
+  target.Save();
+  Console::Print("imported " + CountText(keys.size(), "block") + "\n");
+  return EXIT_DONE;
+#else
+  static_cast<void>(changes);
+  throw FED_Failure("", "Cannot read " + options.file + ": this qelta was built without HDF5.", "");
+#endif
 }
 
 QeltaCsvImport ReadTable(const std::string& name) {
@@ -198,6 +243,7 @@ int Import(Options& options) {
     }
     return ImportTable(options, changes);
   }
+  if (IsHdf5(options.file)) return ImportHdf5(options, changes);
   RequireSinglePass(options);
   options.file = PathOfSource(options.file);
   return ImportResults(options, changes);
@@ -211,8 +257,8 @@ void AddImportCommand(CLI::App& app, Action& action) {
       app.add_subcommand("import", "Read a result file or a table into a database");
   command
       ->add_option("FILE", options->file,
-                   "CalculiX result file (.frd), or table with a\nheader line (.csv); - is the "
-                   "standard input")
+                   "CalculiX result file (.frd), HDF5 file of qelta\n(.h5), or table with a header "
+                   "line (.csv); - is\nthe standard input")
       ->required();
   command->add_option("DB", options->target, "Database directory, made when it is not there")
       ->required();
@@ -252,10 +298,15 @@ void AddImportCommand(CLI::App& app, Action& action) {
       "NAME.x, NAME.y, NAME.z make a vector, NAME.xx, .yy, .zz, .xy, .yz, .zx a tensor.\n"
       "The titles themselves are not kept: the fields are FIELD_1, FIELD_2 and so on.\n"
       "\n"
+      "An HDF5 file is one that a database was exported to; nothing is lost on the way\n"
+      "there and back. Where DB numbers nodes, elements and so on otherwise, records go\n"
+      "by id or name.\n"
+      "\n"
       "Examples:\n"
       "  qelta import job.frd run.db\n"
       "  qelta import job.frd run.db --latest --set ITERATION=12\n"
       "  qelta import job.frd run.db --follow\n"
+      "  qelta import best.h5 run.db --where ITERATION=max\n"
       "  qelta import loads.csv run.db --set LABEL=LOADS --set ID_TYPE=0");
   command->callback([&action, options] { action = [options] { return Import(*options); }; });
 }

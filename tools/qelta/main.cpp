@@ -95,7 +95,7 @@ void TakeNote(void* notes, FED_LogMacros::LogMsgType type, const char*, int, con
 // What asks for something that cannot be is the caller's fault wherever it is noticed.
 int ExitCodeOf(const FED_Exception& failure) {
   static constexpr const char* kRequests[] = {
-      QeltaSelectingSink::kCollisionId, QeltaBlockCopy::kCollisionId, QeltaBlockCopy::kConflictId};
+      QeltaSelectingSink::kCollisionId, QeltaKeyChanges::kCollisionId, QeltaBlockCopy::kConflictId};
   const bool isRequest =
       std::count(std::begin(kRequests), std::end(kRequests), failure.GetMessageId()) > 0;
   return isRequest ? EXIT_USAGE : IsDeviceFailure(failure) ? EXIT_IO_FAILURE : EXIT_BAD_INPUT;
