@@ -61,19 +61,6 @@ TEST(IdMapsPoolTest, CopiesShareTheTable) {
   EXPECT_TRUE(copy.GetMap(ID_TYPE_ELEMENT).ContainsId(1));
 }
 
-TEST(IdMapsPoolTest, OwnsItsMaps) {
-  std::weak_ptr<FED_IdMap> watched;
-  {
-    FED_IdMapsPool pool;
-    auto map = std::make_shared<FED_MemoryIdMap>(ID_TYPE_MODE);
-    watched = map;
-    pool.SetMap(ID_TYPE_MODE, std::move(map));
-    EXPECT_FALSE(watched.expired());
-    pool.SetMap(ID_TYPE_MODE, std::make_shared<ShiftedMap>());
-    EXPECT_TRUE(watched.expired());
-  }
-}
-
 TEST(IdMapsPoolTest, MapsOfOtherModulesNeedNotBeEnumerable) {
   const ShiftedMap map;
   EXPECT_EQ(map.GetMaxIndex(), -1);
