@@ -199,15 +199,6 @@ TEST_P(Copy, EmptyBlocksBothWays) {
   EXPECT_EQ(copy_datablocks(Source(), Target(), all, other), 2u) << "everything but 0 copies";
 }
 
-TEST_P(Copy, NothingSelectedNothingDone) {
-  FillScalars(kNodal, {1, 2});
-  FED_DataDescriptorPattern none;
-  none.SetMatchExact(Descriptor::ITERATION, 77);
-  EXPECT_EQ(copy_datablocks(Source(), Target(), none, COPY_EMPTY_BLOCKS), 0u);
-  EXPECT_EQ(copy_datablocks(Source(), Target(), std::vector<CopyJob>{}, COPY_EMPTY_BLOCKS), 0u);
-  EXPECT_TRUE(Target().FindBlocks({}).empty());
-}
-
 TEST_P(Copy, AliasIsCopiedUnderEachOfItsKeys) {
   NumberNodes({1, 2, 3}, {3, 2, 1});
   FillScalars(kNodal, {0, 2});
@@ -233,18 +224,6 @@ TEST_P(Copy, JobsRunInOrderUnderNewKeys) {
   expected.merge(SourceContent(Descriptor(1, ONF_TEMPERATURE)));
   EXPECT_EQ(TargetContent(merged), expected) << "the later job has the last word";
   ExpectSame(Descriptor(1, ONF_TEMPERATURE), single);
-}
-
-TEST_P(Copy, CustomBlockKeepsIndicesPropertiesAndFormat) {
-  for (const char* format : {"I|dVI", "S|b|dSOLD", "IITT", "I", "I|ft"}) {
-    const Descriptor key = LabelKey(format);
-    FED_DataBlock& from = MakeSource(key, format);
-    for (const std::size_t index : {0u, 2u, 5u, 6u}) FillRecord(from, index);
-    copy_datablocks(Source(), Target(), {Job(key)}, SKIP_EMPTY_BLOCKS);
-    EXPECT_EQ(TargetBlock(key).GetFormat(), format);
-    EXPECT_EQ(TargetBlock(key).GetMaxIndex(), 6);
-    ExpectSame(key, key);
-  }
 }
 
 TEST_P(Copy, RecordsWithoutMapKeepTheirIndexWhateverThatMapHolds) {
