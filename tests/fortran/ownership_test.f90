@@ -177,8 +177,6 @@ contains
     integer :: status
     call db%open('papyrus', 'x', status=status, message=message)
     call check_failure(status, message, 'papyrus')
-    call db%open('memory', 'x', mode=3, status=status, message=message)
-    call check_failure(status, message, 'access mode 3')
     call db%save(status, message)
     call check_failure(status, message, 'not open')
     call db%close()
