@@ -84,16 +84,6 @@ TEST_F(CopyOrder, ById) {
             "t0.IndexOfIdForWrite 104, t.SetRecord 54");
 }
 
-TEST_F(CopyOrder, ByIdWithStrictTarget) {
-  ChangedKind kind(ONF_TEMPERATURE);
-  kind.Set(0, ID_TYPE_ELEMENT, false);
-  Make(kNodal, {1});
-  copy_datablock(m_Source, m_Target, Job(kNodal), Indices{1});
-  EXPECT_EQ(Journal(m_Calls),
-            "t.Create 0, s1.IdOfIndex 1, s1.IndexOfId 1101, s.GetRecord 1, t1.IndexOfId 1101, "
-            "t.SetRecord 1");
-}
-
 TEST_F(CopyOrder, ByName) {
   const Descriptor key(1, ONF_NODE_GROUP);
   FakeBlock& from = Make(key, {2});
@@ -108,14 +98,6 @@ TEST_F(CopyOrder, ByName) {
             "t.Create 0, s2.NameOfIndex 2, s2.IndexOfName n2, s.GetRecord 2, s.GetIntList 1, "
             "s0.IdOfIndex 3, s0.IdOfIndex 7, t0.IndexOfIdForWrite 103, t0.IndexOfIdForWrite 107, "
             "t.SetIntList 2, t2.IndexOfNameForWrite n2, t.SetRecord 52");
-}
-
-TEST_F(CopyOrder, WithoutMap) {
-  const Descriptor key(1, ONF_FRAME_TIME);
-  Make(key, {1, 4});
-  copy_datablocks(m_Source, m_Target, {Job(key)}, SKIP_EMPTY_BLOCKS);
-  EXPECT_EQ(Journal(m_Calls),
-            "t.Create 0, s.GetRecord 1, t.SetRecord 1, s.GetRecord 4, t.SetRecord 4");
 }
 
 TEST_F(CopyOrder, CustomBlockByIndex) {
