@@ -24,12 +24,6 @@ contains
     call db%fetch_block(qelta_descriptor(label=format), block, format)
   end subroutine
 
-  logical function same(a, b)
-    real(real64), intent(in) :: a(:), b(:)
-    same = size(a) == size(b)
-    if (same) same = all(.not. (a < b .or. a > b))
-  end function
-
   subroutine test_single_values()
     type(qelta_database) :: db
     type(qelta_block) :: block
