@@ -197,6 +197,8 @@ TEST_F(ViewTest, LeadsToBlockKeyAndMap) {
   EXPECT_EQ(&static_cast<const ConstView&>(view).GetDataBlock(), &m_Block);
   EXPECT_EQ(&view.GetDescriptor(), &m_Block.GetDescriptor());
   EXPECT_EQ(&view.GetIdMap(), &m_Pool.GetMap(ID_TYPE_COORDINATE_SYSTEM));
+  EXPECT_EQ(view.GetIdMap().GetMaxIndex(), -1) << "maps of other modules need not be enumerable";
+  EXPECT_FALSE(view.GetIdMap().HasNameAt(3));
   m_Kind.Set(0, kNoMap, false);
   EXPECT_EQ(&view.GetIdMap(), &m_Pool.GetMap(ID_TYPE_RECORD_INDEX));
 
