@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <limits>
@@ -286,21 +287,15 @@ TEST_F(CompanionTest, GivesTheLastErrorInTheRoomThereIs) {
       [] { FED_Failure::Throw("123456789012", "here", "%s", std::string(2000, 'x').c_str()); });
   Arguments arguments;
   DataBlock_GetMaxIndex_F(&arguments.block, &arguments.number, &m_Status);
-  const struct {
-    std::int32_t textLength, idLength;
-  } rows[] = {{1030, 14}, {5, 3}, {0, 0}, {-1, std::numeric_limits<std::int32_t>::min()}};
-  for (const auto& row : rows) {
-    std::string text(1040, '#'), id(20, '#'), expectedText = text, expectedId = id;
-    LastError_Text_F(text.data(), &row.textLength, id.data(), &row.idLength);
-    const auto fit = [](std::string& expected, std::string whole, std::int32_t length) {
-      if (length <= 0) return;
-      whole.resize(static_cast<std::size_t>(length), ' ');
-      expected.replace(0, whole.size(), whole);
+  for (const auto& [textLength, idLength] : {std::pair{1030, 14}, {5, 3}, {0, -1}}) {
+    std::string text(1040, '#'), id(20, '#');
+    LastError_Text_F(text.data(), &textLength, id.data(), &idLength);
+    const auto expect = [](const std::string& found, std::string whole, int length) {
+      whole.resize(static_cast<std::size_t>(std::max(length, 0)), ' ');
+      EXPECT_EQ(found, whole + std::string(found.size() - whole.size(), '#'));
     };
-    fit(expectedText, std::string(1023, 'x'), row.textLength);
-    fit(expectedId, "123456789012", row.idLength);
-    EXPECT_EQ(text, expectedText);
-    EXPECT_EQ(id, expectedId);
+    expect(text, std::string(1023, 'x'), textLength);
+    expect(id, "123456789012", idLength);
   }
 }
 

@@ -154,20 +154,6 @@ static void CheckSearch(FED_Database* database) {
   CHECK(list.count == 0 && list.capacity == 0 && list.data == NULL);
 }
 
-static void CheckDeletion(FED_Database* database) {
-  QeltaDescriptorLayout key = MakeKey(ONF, 2), alias = MakeKey(ONF, 5);
-  int32_t has = 77, created = 77;
-  key.slots[ITERATION] = 5;
-  key.mask |= 1u << ITERATION;
-  DO(Database_CreateAlias_F(database, Key(&key), Key(&alias), &created, &status));
-  CHECK(created == 1);
-  DO(Database_HasBlock_F(database, Key(&alias), &has, &status));
-  CHECK(has == 1);
-  DO(Database_DeleteBlock_F(database, Key(&key), &status));
-  DO(Database_HasBlock_F(database, Key(&alias), &has, &status));
-  CHECK(has == 0);
-}
-
 int main(void) {
   const int32_t mode = 2;
   const int64_t cacheSize = 0;
@@ -177,7 +163,6 @@ int main(void) {
   DO(Database_Open_F("memory", "phases", &mode, &cacheSize, &database, &status));
   CheckRecords(FetchLabelled(database));
   CheckSearch(database);
-  CheckDeletion(database);
   DO(Database_Save_F(database, &status));
   DO(Database_Close_F(&database, &status));
   CHECK(database == NULL);
