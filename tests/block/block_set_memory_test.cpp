@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "FED_DataBlockSet.h"
-#include "FED_LogMacros.h"
 #include "FailingAllocation.h"
 #include "FakeBlock.h"
+#include "LogLines.h"
 #include "RawBytes.h"
 
 // Every operation of the block set with every one of its allocations failing in turn.
@@ -143,13 +143,11 @@ TEST_F(BlockSetMemoryTest, LookupsAndDeletionsNeedNoMemory) {
 }
 
 TEST_F(BlockSetMemoryTest, PatternDeletionDeletesAllOrNothing) {
-  FED_LogMacros::SetSink(
-      [](void*, FED_LogMacros::LogMsgType, const char*, int, const char*, const char*) {}, nullptr);
+  const LogLines muted;
   // A log line for which there is no memory does not stop the deletion.
   const auto check = [&] { EXPECT_TRUE(FakeBlock::s_Alive == 2 || FakeBlock::s_Alive == 0); };
   EXPECT_GT(ForEachFailingAllocation([&] { m_Set.DeleteDataBlocksInstances(Pattern()); }, check),
             0u);
-  FED_LogMacros::SetSink(nullptr, nullptr);
   EXPECT_EQ(FakeBlock::s_Alive, 0);
 }
 

@@ -6,14 +6,13 @@
 #include <algorithm>
 #include <functional>
 #include <map>
-#include <random>
 #include <string>
 #include <vector>
 
-#include "FED_LogMacros.h"
 #include "FailureMatcher.h"
 #include "FakeBlock.h"
 #include "FakeDatabase.h"
+#include "LogLines.h"
 #include "RawBytes.h"
 
 namespace {
@@ -235,26 +234,23 @@ TEST_F(BlockSetTest, DeletionTrustsTheKeyAlone) {
 }
 
 TEST_F(BlockSetTest, PatternDeletionReportsTheNumberSelected) {
-  std::vector<std::string> lines;
-  const auto sink = [](void* context, FED_LogMacros::LogMsgType type, const char*, int,
-                       const char* location, const char* text) {
-    static_cast<std::vector<std::string>*>(context)->push_back(std::to_string(type) + location +
-                                                               text);
-  };
   for (const int key : {1, 2, 3}) Store(key, "b");
   Alias(2, 4);
-  FED_LogMacros::SetSink(sink, &lines);
+  const LogLines log;
   m_Set.DeleteDataBlocksInstances(IterationsFrom(10));
   EXPECT_THAT(m_Calls, IsEmpty());
   m_Set.DeleteDataBlocksInstances(IterationsFrom(2));
-  FED_LogMacros::SetSink(nullptr, nullptr);
   EXPECT_THAT(m_Calls, ElementsAre("b.DeleteData", "b.~", "b.DeleteData", "b.~"));
   EXPECT_THAT(KeysOf(m_Set), ElementsAre(1, 4)) << "the alias found the position empty";
-  const auto line = [](int first, const char* number) {
-    return '7' + kLocation + "Descriptor pattern " + IterationsFrom(first).ToString() +
-           " matched " + number + " data blocks";
-  };
-  EXPECT_THAT(lines, ElementsAre(line(10, "0"), line(2, "3")));
+  std::vector<std::string> expected, lines;
+  for (const auto& [first, number] : {std::pair{10, "0"}, {2, "3"}}) {
+    expected.push_back('7' + kLocation + "Descriptor pattern " + IterationsFrom(first).ToString() +
+                       " matched " + number + " data blocks");
+  }
+  for (const auto& line : log.lines) {
+    lines.push_back(std::to_string(line.type) + line.location + line.text);
+  }
+  EXPECT_EQ(lines, expected);
 }
 
 TEST_F(BlockSetTest, FlushAndClearVisitInTheirOrders) {
@@ -330,33 +326,6 @@ TEST_F(BlockSetTest, CopiesShareTheBlocks) {
   }
   std::sort(m_Calls.begin(), m_Calls.end());
   EXPECT_THAT(m_Calls, ElementsAre("four.~", "nine.~", "one.~", "two.~"));
-}
-
-// A long random life against a map, with two long-lived descriptors for each key, whose caches
-// are of any age.
-TEST_F(BlockSetTest, BehavesLikeAMap) {
-  std::mt19937 random(5);
-  std::map<std::pair<int, int>, FED_DataBlock*> model;
-  std::vector<std::pair<int, int>> keys;
-  std::vector<Descriptor> handles;
-  for (int i = 0; i < 400; ++i) {
-    keys.emplace_back(i % 200 / 2, i % 2);
-    handles.emplace_back(keys.back().first, ONF_TEMPERATURE, keys.back().second);
-  }
-  for (int step = 0; step < 20000; ++step) {
-    const std::size_t i = random() % handles.size(), action = random() % 4;
-    const auto found = model.find(keys[i]);
-    const bool present = found != model.end();
-    ASSERT_TRUE(action != 0 || m_Set.HasBlockInstance(handles[i]) == present);
-    ASSERT_TRUE(action != 0 || !present || Find(handles[i]) == found->second);
-    if (action == 1 && !present) model[keys[i]] = Store(handles[i]);
-    if (action == 2) m_Set.DeleteDataBlockInstance(handles[i]);
-    if (action == 2) model.erase(keys[i]);
-  }
-  std::vector<FED_DataBlock*> expected;
-  for (const auto& entry : model) expected.push_back(entry.second);
-  EXPECT_EQ(m_Set.GetDataBlocksInstances(Pattern()), expected);
-  EXPECT_EQ(FakeBlock::s_Alive, static_cast<int>(model.size()));
 }
 
 }  // namespace

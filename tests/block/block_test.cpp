@@ -24,7 +24,7 @@ FED_IntSetIntvl<int> MakeSet(const std::vector<Interval>& intervals) {
   return set;
 }
 
-TEST(Block, TakesItsLayoutFromCatalogueOrFormat) {
+TEST(Block, TakesItsLayoutFromTheCatalogue) {
   for (const FED_OnfId onf : FED_OnfInfoPool::GetAllOnfIds()) {
     FED_DataDescriptor key(1, onf);
     const FakeBlock block(key);
@@ -37,15 +37,6 @@ TEST(Block, TakesItsLayoutFromCatalogueOrFormat) {
     EXPECT_EQ(block.GetPrimaryIdType(), info.idTypes[0]);
     EXPECT_TRUE(block.GetDescriptor().EqualTo(FED_DataDescriptor(1, onf)));
   }
-  FakeBlock custom(kCustomKey, "S|b|V");
-  EXPECT_EQ(custom.GetFormat(), "S|b|V");
-  EXPECT_EQ(custom.GetRecordSize(), 24u);
-  EXPECT_THAT(custom.GetDataTypes(), ElementsAre(5));
-  EXPECT_EQ(custom.GetFieldDim(), 3);
-  EXPECT_EQ(custom.GetPrimaryIdType(), 15);
-  EXPECT_EQ(custom.GetProperties(), 0);
-  custom.SetProperties(-4);
-  EXPECT_EQ(custom.GetProperties(), -4);
 }
 
 TEST(Block, ConstructionFailuresLeaveNoBlock) {
@@ -150,29 +141,6 @@ TEST(Block, FieldDataInIndexOrder) {
     }
     EXPECT_EQ(block.GetFieldData(), expected) << onf;
   }
-}
-
-TEST(Block, StoresIntegerSetsAsTheListOfTheirMembers) {
-  constexpr int min = -2147483647 - 1, max = 2147483647;
-  FakeBlock block(kCustomKey, "I|O");
-  const std::pair<std::vector<Interval>, std::vector<int>> rows[] = {
-      {{}, {}},
-      {{{1, 3}, {7, 7}}, {1, 2, 3, 7}},
-      {{{min, min + 1}, {-1, 1}, {max - 1, max}}, {min, min + 1, -1, 0, 1, max - 1, max}},
-  };
-  for (const auto& [intervals, members] : rows) {
-    const std::uint64_t handle = block.StoreIntSet(MakeSet(intervals));
-    FED_IntArray list;
-    block.GetIntList(handle, list);
-    EXPECT_EQ(std::vector<int>(list.data, list.data + list.count), members);
-    EXPECT_EQ(block.RetrieveIntSet(handle), MakeSet(intervals));
-  }
-  const auto retrieved = [&](const std::vector<int>& list) {
-    return block.RetrieveIntSet(block.SetIntList(FED_IntArray(list)));
-  };
-  EXPECT_EQ(retrieved({5, 3, 3, 4, 9}), MakeSet({{3, 5}, {9, 9}}));
-  EXPECT_EQ(retrieved({max, min, max, -1, min + 1}),
-            MakeSet({{min, min + 1}, {-1, -1}, {max, max}}));
 }
 
 }  // namespace

@@ -69,39 +69,10 @@ TEST(Database, FetchCreatesOnceAndAsksThroughTheVirtualTable) {
   EXPECT_EQ(&static_cast<const FED_Database&>(database).GetDataBlock(Key(1)), &block);
 }
 
-TEST(Database, PassesDeletionsToItsBlockSet) {
-  FakeDatabase database;
-  for (const int iteration : {1, 2, 3}) database.FetchDataBlock(Key(iteration), 0);
-  database.DeleteDataBlock(Key(2));
-  EXPECT_EQ(FailureId([&] { database.GetDataBlock(Key(2)); }), "133456270312");
-  FED_DataDescriptorPattern highest;
-  highest.SetMatchHighest(Descriptor::ITERATION);
-  database.DeleteDataBlocks(highest);
-  EXPECT_EQ(database.FindBlocks({}).size(), 1u);
-  EXPECT_TRUE(database.HasBlock(Key(1)));
-}
-
 std::size_t AliasCount(const FakeDatabase& database) {
   std::vector<const Descriptor*> aliases;
   database.m_BlockSet.GetAliases(aliases);
   return aliases.size();
-}
-
-TEST(DatabaseAlias, LeadsToTheBlockAndGoesWithIt) {
-  FakeDatabase database;
-  const Descriptor existing = Key(1);
-  FED_DataBlock& block = database.FetchDataBlock(existing.Duplicate(), 0);
-  Descriptor alias = Key(5);
-  ASSERT_TRUE(database.CreateDataBlockAlias(existing, alias));
-  EXPECT_EQ(&database.GetDataBlock(alias), &block);
-  EXPECT_EQ(&database.GetDataBlock(Key(5)), &block);
-  EXPECT_EQ(AliasCount(database), 2u);
-  database.DeleteDataBlock(existing);
-  EXPECT_FALSE(database.HasBlock(alias));
-  // The name is free again for another block.
-  FED_DataBlock& other = database.FetchDataBlock(Key(2), 0);
-  EXPECT_TRUE(database.CreateDataBlockAlias(Key(2), alias));
-  EXPECT_EQ(&database.GetDataBlock(Key(5)), &other);
 }
 
 TEST(DatabaseAlias, TestsRunInOrderAndChangeNothing) {
@@ -174,27 +145,14 @@ TEST(DatabaseCacheSize, EnvironmentOverridesTheRequest) {
   }
 }
 
-TEST(Database, DestructionDeletesWithoutFlushingAndCopiesShare) {
+TEST(Database, DestructionDeletesWithoutFlushing) {
   FakeBlock::Calls calls;
   {
     FakeDatabase database;
     database.blockCalls = &calls;
     database.FetchDataBlock(Key(1), 0);
-    {
-      FakeDatabase copy(database);
-      EXPECT_EQ(&copy.GetDataBlock(Key(1)), &database.GetDataBlock(Key(1)));
-      FakeDatabase assigned;
-      assigned = copy;
-      copy.FetchDataBlock(Key(2), 0);
-      EXPECT_FALSE(assigned.HasBlock(Key(2)));
-      EXPECT_TRUE(assigned.HasBlock(Key(1)));
-    }
-    EXPECT_THAT(calls, ElementsAre(".~"));
-    EXPECT_TRUE(database.HasBlock(Key(1)));
-    calls.clear();
   }
   EXPECT_THAT(calls, ElementsAre(".~"));
-  EXPECT_EQ(FakeBlock::s_Alive, 0);
 }
 
 }  // namespace

@@ -45,45 +45,6 @@ Pattern HighestIteration() {
   return pattern;
 }
 
-TEST(MatchState, OutcomeDependsOnTheOrderOfFeeding) {
-  Pattern both = HighestIteration();
-  both.SetMatchHighest(Descriptor::STATE);
-  Pattern mixed = HighestIteration();
-  mixed.SetMatchLowest(Descriptor::STATE);
-  Pattern lowest;
-  lowest.SetMatchLowest(Descriptor::ITERATION);
-  Pattern limited = HighestIteration();
-  limited.SetMatchLessEqual(Descriptor::STATE, 10);
-  constexpr int min = -2147483647 - 1, max = 2147483647;
-  const struct {
-    Pattern pattern;
-    Pairs fed;
-    Pairs matched;
-  } rows[] = {
-      // The second raises the first field's extreme before its second field rejects it.
-      {both, {{2, 5}, {3, 1}}, {}},
-      {both, {{3, 1}, {2, 5}}, {{3, 1}}},
-      {both, {{2, 5}, {3, 1}, {3, 5}}, {{3, 5}}},
-      {both, {{2, 5}, {3, 1}, {2, 9}}, {}},
-      {mixed, {{2, 1}, {3, 5}}, {}},
-      {mixed, {{3, 5}, {2, 1}}, {{3, 5}}},
-      {HighestIteration(), {{1, 0}, {3, 1}, {2, 2}, {3, 3}}, {{3, 1}, {3, 3}}},
-      {lowest, {{5, 0}, {4, 1}, {4, 2}}, {{4, 1}, {4, 2}}},
-      {HighestIteration(), {{3, 1}, {3, 1}}, {{3, 1}, {3, 1}}},
-      // Extremes stand among those that pass the other tests.
-      {limited, {{9, 11}, {4, 10}, {3, 0}}, {{4, 10}}},
-      // The ends of the numbers are numbers like any other.
-      {HighestIteration(), {{min, 1}}, {{min, 1}}},
-      {lowest, {{max, 1}}, {{max, 1}}},
-  };
-  for (const auto& row : rows) {
-    State state;
-    Feed(row.pattern, state, row.fed);
-    EXPECT_EQ(MatchedOf(state), row.matched);
-    EXPECT_EQ(MatchedOf(state), row.matched) << "reading twice";
-  }
-}
-
 TEST(MatchState, ResetAndCopiesAreIndependent) {
   State state;
   Feed(HighestIteration(), state, {{9, 1}});

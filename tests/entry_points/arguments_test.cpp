@@ -3,29 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <map>
 
 #include "EntryPointTable.h"
 
 namespace qelta::test {
 namespace {
-
-TEST(EntryPointTable, ListsEveryUnitAndAgreesWithTheHeaders) {
-  std::map<std::string, std::size_t> units;
-  for (const EntryPointRow& row : AllEntryPoints()) {
-    if (row.unit.rfind("FED_", 0) == 0) ++units[row.unit];
-    const auto arguments = std::count(row.kinds.begin(), row.kinds.end(), ' ') + 1;
-    EXPECT_EQ(row.call.isAddress.size(), static_cast<std::size_t>(arguments)) << row.name;
-  }
-  EXPECT_EQ(units, (std::map<std::string, std::size_t>{{"FED_DataBlock_F", 16},
-                                                       {"FED_DataDescriptorList_F", 2},
-                                                       {"FED_DataDescriptorPattern_F", 2},
-                                                       {"FED_DataDescriptor_F", 3},
-                                                       {"FED_DataRecord_F", 20}}));
-}
 
 const Arguments* s_Arguments = nullptr;
 

@@ -96,13 +96,6 @@ TEST(OnfDescriptorSet, UpdatesWhatIsAddressedKnownAndSpecified) {
   }
 }
 
-TEST(OnfDescriptorSet, UpdatesTheNumberLikeAnyField) {
-  Set set;
-  set.UpdateDescriptors(Descriptor::ONF, 5, Set::UPDATE_IF_SPECIFIED);
-  EXPECT_EQ(set.GetDescriptor(Onf(12)).ToString(), "ONF=5");
-  EXPECT_EQ(set.GetDescriptor(Onf(9999)).ToString(), "ONF=9999");
-}
-
 TEST(OnfDescriptorSet, ForgetsThePositionsOfWhatItChanges) {
   Set set;
   const Cache cache{3, 4, 5};

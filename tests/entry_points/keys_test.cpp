@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <functional>
 #include <limits>
 
@@ -12,8 +11,6 @@
 #include "FED_DataDescriptorPattern.h"
 #include "FED_DataDescriptorPattern_F.h"
 #include "FED_DataDescriptor_F.h"
-#include "FailingAllocation.h"
-#include "LogLines.h"
 #include "RawBytes.h"
 
 namespace qelta::test {
@@ -42,11 +39,7 @@ TEST(DescriptorEntryPoints, TrimBlanksAndControlCharactersOnly) {
   } rows[] = {
       {"word", "word"},
       {"  word \n", "word"},
-      {"\t\n\v\f\r two  words\t here \r\f\v\n\t", "two  words\t here"},
-      {"", ""},
       {" \t\n\v\f\r ", ""},
-      {"\x08word\x0e", "\x08word\x0e"},
-      {"\xA0word\x85", "\xA0word\x85"},
       {"\xC3\xA0 \xC2\xA0", "\xC3\xA0 \xC2\xA0"},
   };
   for (const auto& row : rows) {
@@ -60,14 +53,6 @@ TEST(DescriptorEntryPoints, TrimBlanksAndControlCharactersOnly) {
     fitted.resize(24, ' ');
     EXPECT_EQ(LabelOf(descriptor), fitted);
   }
-}
-
-TEST(DescriptorEntryPoints, StoreATextInWhateverFieldIsNamed) {
-  Descriptor descriptor;
-  const std::int32_t state = Descriptor::STATE;
-  Descriptor_SetString_F(&descriptor, &kLabel, "same");
-  Descriptor_SetString_F(&descriptor, &state, "same");
-  EXPECT_EQ(SlotOf(descriptor, 2), SlotOf(descriptor, 8));
 }
 
 TEST(DescriptorEntryPoints, FitTextsToTheBuffer) {
@@ -99,22 +84,6 @@ TEST(PatternEntryPoints, TakeExactlyTheGivenCharacters) {
   }
 }
 
-TEST(PatternEntryPoints, WriteTheirText) {
-  FED_DataDescriptorPattern pattern;
-  const auto write = [&](char* b, const auto* n) {
-    DataDescriptorPattern_ToString_F(&pattern, b, n);
-  };
-  pattern.SetMatchExact(Descriptor::ITERATION, 3);
-  EXPECT_EQ(TextOf(write), "ITERATION:MATCH_EXACT(3)");
-  EXPECT_EQ(TextOf(write, -5), std::string(24, '#'));
-  std::string all(1000, '#');
-  const std::int32_t length = 1000;
-  DataDescriptorPattern_ToString_F(&pattern, all.data(), &length);
-  const std::string text = pattern.ToString();
-  EXPECT_EQ(all.substr(0, text.size()), text);
-  EXPECT_EQ(all.find_first_not_of(' ', text.size()), std::string::npos);
-}
-
 TEST(DescriptorEntryPoints, EndTheProcessOnAnUnspecifiedField) {
   Descriptor descriptor;
   descriptor.SetInteger(Descriptor::STATE, 1);
@@ -140,21 +109,6 @@ TEST(ListEntryPoints, EndTheProcessNamingAnAbsurdSize) {
                     "\\(FED_DataDescriptorList_F\\.cpp:[0-9]+\\): "
                     "Failed to resize a data descriptor list to size " +
                     std::to_string(size) + "\n"));
-  }
-}
-
-TEST(ListEntryPoints, ServeAListInForeignMemory) {
-  alignas(FED_DataDescriptorList) unsigned char memory[24] = {};
-  auto* const list = reinterpret_cast<FED_DataDescriptorList*>(memory);
-  DataDescriptorList_Deallocate_F(list);
-  for (const std::uint64_t size : {3u, 1u, 5u, 0u}) {
-    DataDescriptorList_Resize_F(list, &size);
-    EXPECT_EQ(ReadAt<std::uint64_t>(*list, 0), size);
-    EXPECT_EQ(ReadAt<std::uint64_t>(*list, 8), size < 5 && size > 0 ? 3u : 5u);
-  }
-  for (int twice = 0; twice < 2; ++twice) {
-    DataDescriptorList_Deallocate_F(list);
-    EXPECT_EQ(std::count(memory, memory + 24, 0), 24);
   }
 }
 

@@ -141,10 +141,10 @@ contains
 
   subroutine test_sets_and_lists()
     type(qelta_database) :: db
-    type(qelta_id_view) :: groups, surfaces
+    type(qelta_id_view) :: groups
     type(qelta_id_record) :: record
     character(5) :: names(2)
-    integer, allocatable :: members(:), faces(:)
+    integer, allocatable :: members(:)
     call open_numbered(db, 'groups', .true.)
     call open_view(db, qelta_descriptor(onf=onf_node_group), groups)
     call groups%create_record(record)
@@ -170,15 +170,6 @@ contains
     call record%set_list(1, names(:0))
     call record%get_list(1, members)
     call check(size(members) == 0, 'no names')
-    call open_view(db, qelta_descriptor(onf=onf_surface), surfaces)
-    call surfaces%create_record(record)
-    call record%set_list(1, [30, 10, 20, 10])
-    call record%set_list(2, [1, 2, 3, 4])
-    call surfaces%set_record('top', record)
-    call surfaces%get_record('top', record)
-    call record%get_list(1, members)
-    call record%get_list(2, faces)
-    call check(all(members == [30, 10, 20, 10]) .and. all(faces == [1, 2, 3, 4]), 'a surface')
   end subroutine
 
   subroutine test_custom_blocks()
@@ -231,9 +222,8 @@ contains
     character(1100) :: message
     integer :: status
     logical :: has
-    real(real64) :: scalar, vector(3), four(4)
+    real(real64) :: scalar, four(4)
     scalar = 42
-    vector = 42
     call view%get(1, scalar, status, message)
     call check_failure(status, message, 'never opened')
     call view%create_record(record, status, message)
@@ -245,19 +235,13 @@ contains
     call check(view%is_open(), 'a failed opening leaves the view alone')
     call view%get(5, scalar, status, message)
     call check_failure(status, message, 'does not know the id 5')
-    call view%get(ids(1), scalar, status, message)
-    call check_failure(status, message, 'no record at index 44')
     call check(db%max_id_index(id_type_node) == n + 4, 'reading registers nothing')
-    call view%get(ids(1), vector, status, message)
-    call check(status /= qelta_ok, 'a vector of a scalar')
     call view%set(ids(1), four, status, message)
     call check_failure(status, message, 'not 4')
     call view%create_record(record)
     call view%get_record('name', record, status, message)
     call check_failure(status, message, 'name')
-    call view%get_record(ids(1), record, status, message)
-    call check_failure(status, message, 'no record')
-    call check(same([scalar, vector], spread(42.0_real64, 1, 4)), 'failures leave values alone')
+    call check(same([scalar], [42.0_real64]), 'failures leave values alone')
     call db%fetch_block(qelta_descriptor(onf=onf_temperature), block)
     call check(block%max_index() == -1, 'failures make no records')
     call db%close()
@@ -275,7 +259,6 @@ contains
     character(:), allocatable :: text
     integer, allocatable :: list(:)
     integer :: status, number
-    real(real64) :: double
     number = 42
     call open_numbered(db, 'failing records', .true.)
     call open_view(db, qelta_descriptor(onf=onf_property), properties)
@@ -286,14 +269,10 @@ contains
     call topology%create_record(element)
     call element%get(0, number, status, message)
     call check_failure(status, message, 'fields 1 to 2, not 0')
-    call element%set(huge(1), number, status, message)
-    call check_failure(status, message, 'fields 1 to 2, not 2147483647')
     call element%get(1, text, status, message)
     call check_failure(status, message, 'is an integer, not a text')
     call element%set(2, 'name', status, message)
     call check_failure(status, message, 'is a list of integers')
-    call element%get(1, double, status, message)
-    call check_failure(status, message, 'is an integer, not a double')
     call element%get_list(1, list, status, message)
     call check_failure(status, message, 'is an integer, not a list of integers')
     call element%set_list(2, [1.0_real64], status, message)
@@ -302,8 +281,6 @@ contains
     call check_failure(status, message, 'does not know the name ''nobody''')
     call element%set_list(1, ['nobody'], status, message)
     call check_failure(status, message, 'not a list of integers')
-    call element%set(1, [1.0_real64], status, message)
-    call check_failure(status, message, 'not 1; lists have')
     call property%get(2, text, status, message)
     call check_failure(status, message, 'nothing at index 0')
     call property%get(1, number, status, message)
@@ -318,8 +295,9 @@ contains
     call check_failure(status, message, 'empty name')
     call element%release()
     call element%release()
-    call element%set(1, 1, status, message)
-    call check_failure(status, message, 'it was released')
+    call check(.not. element%is_open(), 'released')
+    call open_view(db, qelta_descriptor(onf=onf_property), properties)
+    call check(.not. property%is_open(), 'a reopened view drops its records')
   end subroutine
 
   subroutine open_for_a_while(db, copy, record)
@@ -343,8 +321,6 @@ contains
     call check(.not. (one%is_open() .or. record%is_open()), 'nothing outlives the owner')
     call open_view(db, qelta_descriptor(onf=onf_temperature), one)
     two = one
-    two = two
-    one = two
     call one%create_record(record)
     copy = record
     call copy%set(1, 2.5_real64)
@@ -353,9 +329,6 @@ contains
     call check(same([value], [2.5_real64]), 'copies name the same view and cursor')
     two = none
     call check(one%is_open() .and. record%is_open(), 'a copy goes and releases nothing')
-    two = one
-    one = none
-    call check(.not. (two%is_open() .or. copy%is_open()), 'an owner with another value released it')
   end subroutine
 
   subroutine test_release_in_any_order()

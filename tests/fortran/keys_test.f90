@@ -1,17 +1,14 @@
 program keys_test
-  use, intrinsic :: iso_c_binding, only: c_int32_t, c_null_char, c_null_ptr, c_ptr
   use checks
   use qelta
-  use qelta_bindings
   implicit none
   call test_fields()
   call test_texts()
   call test_bad_fields()
-  call test_patterns_against_a_naive_model()
-  call test_pattern_of_a_key()
+  call test_patterns()
+  call test_searches()
   call test_bad_patterns()
   call test_raised_iteration()
-  call test_raised_iteration_in_the_bare_record()
   call finish()
 
 contains
@@ -80,84 +77,57 @@ contains
     call check(status == qelta_ok, 'success says so')
   end subroutine
 
-  ! Keys of several shapes in a database of their own.
-  subroutine fill(db, keys)
-    type(qelta_database), intent(inout) :: db
-    type(qelta_descriptor), allocatable, intent(out) :: keys(:)
-    type(qelta_block) :: block
-    integer :: iteration, loadcase, i
-    call db%open('memory', 'keys')
-    allocate (keys(24))
-    i = 0
-    do iteration = 1, 4
-      do loadcase = 1, 3
-        keys(i + 1) = qelta_descriptor(iteration=iteration, onf=onf_displacement, loadcase=loadcase)
-        keys(i + 2) = qelta_descriptor(iteration=iteration, onf=onf_element_density, label='rho')
-        if (loadcase > 1) call keys(i + 2)%set(qelta_layer, loadcase)
-        i = i + 2
-      end do
-    end do
-    do i = 1, size(keys)
-      call db%fetch_block(keys(i), block)
-    end do
+  subroutine test_patterns()
+    type(qelta_pattern) :: pattern
+    character(*), parameter :: rest = ' / MICROPHONE:MATCH_ALL / ID_TYPE:MATCH_ALL / '// &
+                               'DIRECTION:MATCH_ALL / SUB_LEVEL:MATCH_ALL'
+    pattern = qelta_pattern(onf=onf_displacement, objective_id='mass')
+    call pattern%match(qelta_iteration, match_highest)
+    call pattern%match(qelta_state, match_lowest)
+    call pattern%match(qelta_loadcase, match_less_eq, 3)
+    call pattern%match(qelta_substep, match_greater_eq, 4)
+    call pattern%match(qelta_analysis, match_exact, -5)
+    call pattern%match(qelta_increment, match_present)
+    call pattern%match(qelta_label, match_exact, 'rho')
+    call pattern%match(qelta_layer, match_missing)
+    call check(pattern%text() == 'ITERATION:MATCH_HIGHEST / ONF:MATCH_EXACT(101) / '// &
+               'STATE:MATCH_LOWEST / LOADCASE:MATCH_LESS_EQ(3) / SUBSTEP:MATCH_GREATER_EQ(4) / '// &
+               'ANALYSIS:MATCH_EXACT(-5) / INCREMENT:MATCH_PRESENT / '// &
+               'OBJECTIVE_ID:MATCH_EXACT(mass) / LABEL:MATCH_EXACT(rho) / '// &
+               'LAYER:MATCH_MISSING'//rest, pattern%text())
+    call pattern%match(qelta_onf, match_category, onf_category_nodal)
+    call check(index(pattern%text(), ' ONF:MATCH_CATEGORY(') > 0, pattern%text())
   end subroutine
 
-  ! Whether `field` of `key` is what `mode` and `value` ask for, extremes apart.
-  logical function fits(key, field, mode, value)
-    type(qelta_descriptor), intent(in) :: key
-    integer, intent(in) :: field, mode, value
-    integer :: found
-    fits = key%has(field) .neqv. mode == match_missing
-    if (.not. fits .or. mode == match_missing .or. mode == match_present) return
-    call key%get(field, found)
-    if (mode == match_exact) fits = found == value
-    if (mode == match_less_eq) fits = found <= value
-    if (mode == match_greater_eq) fits = found >= value
-    if (mode == match_category) fits = found/100 == value - 1
-  end function
-
-  subroutine test_patterns_against_a_naive_model()
+  subroutine test_searches()
     type(qelta_database) :: db
-    type(qelta_descriptor), allocatable :: keys(:), found(:)
+    type(qelta_descriptor) :: keys(24)
+    type(qelta_descriptor), allocatable :: found(:)
+    type(qelta_block) :: block
     type(qelta_pattern) :: pattern
-    integer, parameter :: modes(6) = [match_exact, match_present, match_missing, match_less_eq, &
-                                      match_greater_eq, match_category]
-    integer, parameter :: fields(4) = [qelta_iteration, qelta_loadcase, qelta_layer, qelta_onf]
     character(1100) :: message
-    integer :: m, f, i, value, expected, status
-    call fill(db, keys)
-    do m = 1, size(modes)
-      do f = 1, size(fields)
-        if (modes(m) == match_category .and. fields(f) /= qelta_onf) cycle
-        value = merge(onf_category_nodal, 2, modes(m) == match_category)
-        pattern = qelta_pattern()
-        if (modes(m) == match_present .or. modes(m) == match_missing) then
-          call pattern%match(fields(f), modes(m))
-        else
-          call pattern%match(fields(f), modes(m), value)
-        end if
-        call db%find_blocks(pattern, found)
-        expected = 0
-        do i = 1, size(keys)
-          if (fits(keys(i), fields(f), modes(m), value)) expected = expected + 1
-        end do
-        call check(size(found) == expected, 'number of keys found by '//pattern%text())
-        do i = 1, size(found)
-          call check(fits(found(i), fields(f), modes(m), value), 'found by '//pattern%text())
-        end do
-      end do
+    integer :: i, status
+    call db%open('memory', 'keys')
+    do i = 1, size(keys)
+      keys(i) = qelta_descriptor(iteration=(i + 2)/3, onf=merge(101, 405, i > 12), &
+                                 loadcase=1 + mod(i, 3), label='rho')
+      if (mod(i, 2) == 0) call keys(i)%unset(qelta_label)
+      call db%fetch_block(keys(i), block)
+    end do
+    do i = 1, size(keys)
+      call db%find_blocks(qelta_pattern(keys(i)), found)
+      call check(size(found) == 1, 'a key finds itself alone')
+      call check(found(1) == keys(i), 'and it is itself')
     end do
     pattern = qelta_pattern(onf=onf_displacement)
     call pattern%match(qelta_iteration, match_highest)
     call pattern%match(qelta_loadcase, match_lowest)
     call db%find_blocks(pattern, found)
     call check(size(found) == 1, 'one key has the extremes')
-    call check(found(1) == qelta_descriptor(iteration=4, onf=onf_displacement, loadcase=1), &
-               'the extremes: '//found(1)%text())
+    call check(found(1) == keys(24), 'the extremes: '//found(1)%text())
     call db%select_blocks('ONF=displacement; ITERATION=max; LOADCASE=min', found)
     call check(size(found) == 1, 'one key has the extremes of the text')
-    call check(found(1) == qelta_descriptor(iteration=4, onf=onf_displacement, loadcase=1), &
-               'the same extremes: '//found(1)%text())
+    call check(found(1) == keys(24), 'the same extremes: '//found(1)%text())
     call db%select_blocks(' ', found)
     call check(size(found) == size(keys), 'an empty text selects all')
     call db%select_blocks('LABL=x', found, status, message)
@@ -165,25 +135,6 @@ contains
     call check(size(found) == size(keys), 'a failure changes nothing')
     call db%find_blocks(qelta_pattern(label='nothing'), found)
     call check(size(found) == 0, 'nothing is found by another label')
-  end subroutine
-
-  subroutine test_pattern_of_a_key()
-    type(qelta_database) :: db
-    type(qelta_descriptor), allocatable :: keys(:), found(:)
-    type(qelta_pattern) :: pattern
-    integer :: i
-    call fill(db, keys)
-    do i = 1, size(keys)
-      call db%find_blocks(qelta_pattern(keys(i)), found)
-      call check(size(found) == 1, 'a key finds itself alone')
-      call check(found(1) == keys(i), 'and it is itself')
-    end do
-    call pattern%match(qelta_label, match_exact, 'rho')
-    call pattern%match(qelta_layer, match_missing)
-    call db%find_blocks(pattern, found)
-    call check(size(found) == 4, 'by text')
-    call check(index(pattern%text(), 'LABEL:MATCH_EXACT(rho) / LAYER:MATCH_MISSING / ') > 0, &
-               pattern%text())
   end subroutine
 
   subroutine test_bad_patterns()
@@ -226,41 +177,4 @@ contains
       call check(value == i, 'each iteration has its block')
     end do
   end subroutine
-
-  ! What a program does that uses the entry points alone: the record is changed in place, and no
-  ! lookup may remember the former key.
-  subroutine test_raised_iteration_in_the_bare_record()
-    type(qelta_descriptor_layout) :: key
-    type(c_ptr) :: db, block
-    integer(c_int32_t) :: i, value, has, status
-    db = c_null_ptr
-    call Database_Open_F('memory'//c_null_char, 'bare'//c_null_char, qelta_create, 0_8, db, status)
-    key%mask = ibset(ibset(0, qelta_iteration), qelta_onf)
-    key%slots(qelta_onf) = onf_element_density
-    do i = 1, 9
-      key%slots(qelta_iteration) = i
-      call Database_HasBlock_F(db, key, has, status)
-      call check(has == 0, 'a raised key has no block yet')
-      call Database_FetchBlock_F(db, key, block, status)
-      call DataBlock_SetScalar_F(block, 0, real(i, 8), status)
-      call DataBlock_GetMaxIndex_F(block, value, status)
-      call check(value == 0 .and. status == 0, 'a fresh block')
-    end do
-    do i = 9, 1, -1
-      key%slots(qelta_iteration) = i
-      call Database_FetchBlock_F(db, key, block, status)
-      call check(scalar_of(block) == i, 'each iteration has its block')
-    end do
-    call check(key%table_id == -1 .and. key%block_id == -1, 'no position was written')
-    call Database_Close_F(db, status)
-  end subroutine
-
-  integer function scalar_of(block)
-    use, intrinsic :: iso_fortran_env, only: real64
-    type(c_ptr), intent(in) :: block
-    real(real64) :: value
-    integer(c_int32_t) :: status
-    call DataBlock_GetScalar_F(block, 0, value, status)
-    scalar_of = nint(value)
-  end function
 end program

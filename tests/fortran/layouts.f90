@@ -47,22 +47,6 @@ contains
     descriptor%miss_stamp = 9
   end subroutine
 
-  !> 1 where every part of the descriptor is what the C++ side wrote there.
-  integer(c_int) function reads(descriptor) bind(c, name='fortran_reads_descriptor')
-    type(qelta_descriptor_layout), intent(in) :: descriptor
-    character(12) :: text
-    integer :: i
-    logical :: right
-    right = descriptor%mask == ibset(4095, qelta_sub_level) .and. descriptor%table_id == -11 &
-            .and. descriptor%block_id == -12 .and. descriptor%miss_stamp == 2_c_int64_t**40 + 13
-    do i = 0, 13
-      if (i == qelta_label .or. i == 12) cycle
-      right = right .and. descriptor%slots(i) == -i
-    end do
-    call Descriptor_GetString_F(descriptor, qelta_label, text, len(text))
-    reads = merge(1_c_int, 0_c_int, right .and. text == 'from C++')
-  end function
-
   subroutine fresh_descriptor(descriptor) bind(c, name='fortran_fresh_descriptor')
     type(qelta_descriptor_layout), intent(out) :: descriptor
     descriptor%miss_stamp = 0  ! everything has an initial value; this quiets the compiler
@@ -76,21 +60,6 @@ contains
     end do
     call DataDescriptorPattern_SetMatchExact_Str_F(pattern, qelta_label, 'text  ', 6)
   end subroutine
-
-  integer(c_int) function reads_pattern(pattern) bind(c, name='fortran_reads_pattern')
-    type(qelta_pattern_layout), intent(in) :: pattern
-    logical :: right
-    integer :: i
-    right = pattern%entries(qelta_state)%mode == match_less_eq &
-            .and. pattern%entries(qelta_state)%value == -5
-    right = right .and. pattern%entries(qelta_onf)%mode == match_category &
-            .and. pattern%entries(qelta_onf)%value == onf_category_element
-    right = right .and. pattern%entries(qelta_sub_level)%mode == match_highest
-    do i = 3, 12
-      right = right .and. pattern%entries(i)%mode == match_all
-    end do
-    reads_pattern = merge(1_c_int, 0_c_int, right)
-  end function
 
   !> Reads a list that C++ filled and grows it by `more` descriptors with iterations from 1.
   integer(c_int) function grow_list(list, more) bind(c, name='fortran_grow_list') result(total)

@@ -4,16 +4,13 @@
 
 #include "FED_DataDescriptorList.h"
 #include "FED_DataDescriptorPattern.h"
-#include "FED_OnfCategoryId.h"
 #include "RawBytes.h"
 
 extern "C" {
 void fortran_measure(std::int64_t* numbers);
 void fortran_fill_descriptor(FED_DataDescriptor* descriptor);
-int fortran_reads_descriptor(const FED_DataDescriptor* descriptor);
 void fortran_fresh_descriptor(FED_DataDescriptor* descriptor);
 void fortran_fill_pattern(FED_DataDescriptorPattern* pattern);
-int fortran_reads_pattern(const FED_DataDescriptorPattern* pattern);
 int fortran_grow_list(FED_DataDescriptorList* list, int more);
 }
 
@@ -56,17 +53,6 @@ TEST(FortranLayouts, CppReadsADescriptorFromFortran) {
   EXPECT_EQ(CacheOf(descriptor), (Cache{7, 8, 9}));
 }
 
-TEST(FortranLayouts, FortranReadsADescriptorFromCpp) {
-  Descriptor descriptor;
-  for (std::size_t i = 0; i < Descriptor::FIELD_COUNT; ++i) {
-    descriptor.SetInteger(Descriptor::CastIndex(i), -static_cast<int>(i));
-  }
-  descriptor.Unset(Descriptor::DIRECTION);
-  descriptor.SetString(Descriptor::LABEL, "from C++");
-  WriteCache(descriptor, {-11, -12, (std::uint64_t{1} << 40) + 13});
-  EXPECT_EQ(fortran_reads_descriptor(&descriptor), 1);
-}
-
 TEST(FortranLayouts, AFreshDescriptorIsTheSameOnBothSides) {
   Descriptor fromFortran(5, static_cast<FED_OnfId>(5));
   fortran_fresh_descriptor(&fromFortran);
@@ -85,14 +71,6 @@ TEST(FortranLayouts, CppReadsAPatternFromFortran) {
   }
   expected.SetMatchExact(Descriptor::LABEL, std::string("text  "));
   EXPECT_TRUE(fromFortran == expected) << fromFortran.ToString();
-}
-
-TEST(FortranLayouts, FortranReadsAPatternFromCpp) {
-  Pattern pattern;
-  pattern.SetMatchLessEqual(Descriptor::STATE, -5);
-  pattern.SetMatchCategory(ONF_CATEGORY_ELEMENT);
-  pattern.SetMatchHighest(Descriptor::SUB_LEVEL);
-  EXPECT_EQ(fortran_reads_pattern(&pattern), 1);
 }
 
 TEST(FortranLayouts, AListGrowsFromBothSides) {

@@ -5,7 +5,7 @@ module numbered
   use qelta
   implicit none
   private
-  public :: n, ids, others, open_numbered, open_view, displacement, same
+  public :: n, ids, others, open_numbered, open_view, displacement
 
   integer, private :: i
   integer, parameter :: n = 40
@@ -40,11 +40,5 @@ contains
     integer, intent(in) :: id
     real(real64) :: vector(3)
     vector = [1, -2, 4]*id/3.0_real64
-  end function
-
-  pure logical function same(a, b)
-    real(real64), intent(in) :: a(:), b(:)
-    same = size(a) == size(b)
-    if (same) same = all(.not. (a < b .or. a > b))
   end function
 end module

@@ -26,7 +26,6 @@ program ownership_test
   call test_reopened_variable()
   call test_deletion_under_records()
   call test_deletion_by_pattern_and_alias()
-  call test_many_records()
   call finish()
 
 contains
@@ -177,8 +176,6 @@ contains
     integer :: status
     call db%open('papyrus', 'x', status=status, message=message)
     call check_failure(status, message, 'papyrus')
-    call db%open('memory', 'x', mode=3, status=status, message=message)
-    call check_failure(status, message, 'access mode 3')
     call db%save(status, message)
     call check_failure(status, message, 'not open')
     call db%close()
@@ -281,26 +278,5 @@ contains
     call check(.not. any([(records(k)%is_open(), k=1, 9)]), 'all of a kind')
     call check(record%is_open(), 'a record of another kind stays')
     call check(alive(block), 'another kind stays')
-  end subroutine
-
-  subroutine test_many_records()
-    type(qelta_database) :: db
-    type(qelta_block) :: block
-    type(qelta_record), allocatable :: records(:)
-    integer :: k
-    call fill(db, block)
-    allocate (records(500))
-    do k = 1, size(records)
-      call block%create_record(records(k))
-    end do
-    do k = 1, size(records), 2
-      call records(k)%release()
-    end do
-    do k = 1, size(records), 2
-      call block%create_record(records(k))
-    end do
-    call check(all([(records(k)%is_open(), k=1, size(records))]), 'all are open')
-    call db%close()
-    call check(.not. any([(records(k)%is_open(), k=1, size(records))]), 'none is open')
   end subroutine
 end program

@@ -84,16 +84,6 @@ TEST_F(CopyOrder, ById) {
             "t0.IndexOfIdForWrite 104, t.SetRecord 54");
 }
 
-TEST_F(CopyOrder, ByIdWithStrictTarget) {
-  ChangedKind kind(ONF_TEMPERATURE);
-  kind.Set(0, ID_TYPE_ELEMENT, false);
-  Make(kNodal, {1});
-  copy_datablock(m_Source, m_Target, Job(kNodal), Indices{1});
-  EXPECT_EQ(Journal(m_Calls),
-            "t.Create 0, s1.IdOfIndex 1, s1.IndexOfId 1101, s.GetRecord 1, t1.IndexOfId 1101, "
-            "t.SetRecord 1");
-}
-
 TEST_F(CopyOrder, ByName) {
   const Descriptor key(1, ONF_NODE_GROUP);
   FakeBlock& from = Make(key, {2});
@@ -108,14 +98,6 @@ TEST_F(CopyOrder, ByName) {
             "t.Create 0, s2.NameOfIndex 2, s2.IndexOfName n2, s.GetRecord 2, s.GetIntList 1, "
             "s0.IdOfIndex 3, s0.IdOfIndex 7, t0.IndexOfIdForWrite 103, t0.IndexOfIdForWrite 107, "
             "t.SetIntList 2, t2.IndexOfNameForWrite n2, t.SetRecord 52");
-}
-
-TEST_F(CopyOrder, WithoutMap) {
-  const Descriptor key(1, ONF_FRAME_TIME);
-  Make(key, {1, 4});
-  copy_datablocks(m_Source, m_Target, {Job(key)}, SKIP_EMPTY_BLOCKS);
-  EXPECT_EQ(Journal(m_Calls),
-            "t.Create 0, s.GetRecord 1, t.SetRecord 1, s.GetRecord 4, t.SetRecord 4");
 }
 
 TEST_F(CopyOrder, CustomBlockByIndex) {
@@ -199,15 +181,6 @@ TEST_P(Copy, EmptyBlocksBothWays) {
   EXPECT_EQ(copy_datablocks(Source(), Target(), all, other), 2u) << "everything but 0 copies";
 }
 
-TEST_P(Copy, NothingSelectedNothingDone) {
-  FillScalars(kNodal, {1, 2});
-  FED_DataDescriptorPattern none;
-  none.SetMatchExact(Descriptor::ITERATION, 77);
-  EXPECT_EQ(copy_datablocks(Source(), Target(), none, COPY_EMPTY_BLOCKS), 0u);
-  EXPECT_EQ(copy_datablocks(Source(), Target(), std::vector<CopyJob>{}, COPY_EMPTY_BLOCKS), 0u);
-  EXPECT_TRUE(Target().FindBlocks({}).empty());
-}
-
 TEST_P(Copy, AliasIsCopiedUnderEachOfItsKeys) {
   NumberNodes({1, 2, 3}, {3, 2, 1});
   FillScalars(kNodal, {0, 2});
@@ -233,18 +206,6 @@ TEST_P(Copy, JobsRunInOrderUnderNewKeys) {
   expected.merge(SourceContent(Descriptor(1, ONF_TEMPERATURE)));
   EXPECT_EQ(TargetContent(merged), expected) << "the later job has the last word";
   ExpectSame(Descriptor(1, ONF_TEMPERATURE), single);
-}
-
-TEST_P(Copy, CustomBlockKeepsIndicesPropertiesAndFormat) {
-  for (const char* format : {"I|dVI", "S|b|dSOLD", "IITT", "I", "I|ft"}) {
-    const Descriptor key = LabelKey(format);
-    FED_DataBlock& from = MakeSource(key, format);
-    for (const std::size_t index : {0u, 2u, 5u, 6u}) FillRecord(from, index);
-    copy_datablocks(Source(), Target(), {Job(key)}, SKIP_EMPTY_BLOCKS);
-    EXPECT_EQ(TargetBlock(key).GetFormat(), format);
-    EXPECT_EQ(TargetBlock(key).GetMaxIndex(), 6);
-    ExpectSame(key, key);
-  }
 }
 
 TEST_P(Copy, RecordsWithoutMapKeepTheirIndexWhateverThatMapHolds) {

@@ -10,22 +10,6 @@
 
 namespace {
 
-// A map of another module: id = index + 100, without end.
-class ShiftedMap : public FED_IdMap {
- public:
-  bool ContainsName(const std::string&) const override { return false; }
-  bool ContainsId(std::int32_t id) const override { return id >= 100; }
-  void NameOfIndex(std::int64_t, std::string&) const override {}
-  std::int32_t IdOfIndex(std::int64_t index) const override {
-    return static_cast<std::int32_t>(index + 100);
-  }
-  bool ContainsIndex(std::int64_t) const override { return true; }
-  std::int64_t IndexOfName(const std::string&) const override { return 0; }
-  std::int64_t IndexOfId(std::int32_t id) const override { return id - 100; }
-  std::int64_t IndexOfNameForWrite(const std::string&) override { return 0; }
-  std::int64_t IndexOfIdForWrite(std::int32_t id) override { return id - 100; }
-};
-
 TEST(IdMapsPoolTest, AllMapsExistAndKnowTheirType) {
   FED_IdMapsPool pool;
   const FED_IdMapsPool& constPool = pool;
@@ -51,7 +35,7 @@ TEST(IdMapsPoolTest, CopiesShareTheTable) {
   FED_IdMapsPool assigned;
   assigned = copy;
   FED_IdMapsPool moved(std::move(assigned));
-  const auto map = std::make_shared<ShiftedMap>();
+  const auto map = std::make_shared<FED_MemoryIdMap>(ID_TYPE_NODE);
   copy.SetMap(ID_TYPE_NODE, map);
   for (FED_IdMapsPool* pool : {outlives.get(), &copy, &assigned, &moved}) {
     EXPECT_EQ(&pool->GetMap(ID_TYPE_NODE), map.get());
@@ -59,25 +43,6 @@ TEST(IdMapsPoolTest, CopiesShareTheTable) {
   outlives.reset();
   moved.GetMap(ID_TYPE_ELEMENT).IndexOfIdForWrite(1);
   EXPECT_TRUE(copy.GetMap(ID_TYPE_ELEMENT).ContainsId(1));
-}
-
-TEST(IdMapsPoolTest, OwnsItsMaps) {
-  std::weak_ptr<FED_IdMap> watched;
-  {
-    FED_IdMapsPool pool;
-    auto map = std::make_shared<FED_MemoryIdMap>(ID_TYPE_MODE);
-    watched = map;
-    pool.SetMap(ID_TYPE_MODE, std::move(map));
-    EXPECT_FALSE(watched.expired());
-    pool.SetMap(ID_TYPE_MODE, std::make_shared<ShiftedMap>());
-    EXPECT_TRUE(watched.expired());
-  }
-}
-
-TEST(IdMapsPoolTest, MapsOfOtherModulesNeedNotBeEnumerable) {
-  const ShiftedMap map;
-  EXPECT_EQ(map.GetMaxIndex(), -1);
-  EXPECT_FALSE(map.HasNameAt(0));
 }
 
 TEST(IdMapsPoolTest, MissingMapsAndTypesAreFailures) {
@@ -89,7 +54,8 @@ TEST(IdMapsPoolTest, MissingMapsAndTypesAreFailures) {
     const auto type = static_cast<FED_IdType>(number);
     EXPECT_THROW(pool.GetMap(type), FED_Failure) << number;
     EXPECT_THROW(std::as_const(pool).GetMap(type), FED_Failure) << number;
-    EXPECT_THROW(pool.SetMap(type, std::make_shared<ShiftedMap>()), FED_Failure) << number;
+    EXPECT_THROW(pool.SetMap(type, std::make_shared<FED_MemoryIdMap>(ID_TYPE_NODE)), FED_Failure)
+        << number;
   }
 }
 

@@ -2,16 +2,16 @@
 
 #include <functional>
 #include <limits>
-#include <map>
 #include <random>
 #include <string>
+#include <type_traits>
 #include <vector>
 
-#include "FED_Failure.h"
-#include "FED_MemoryIdMap.h"
-#include "FailingAllocation.h"
+#include "EntityModel.h"
 
 namespace {
+
+using qelta::test::EntityModel;
 
 constexpr std::int32_t kLeastId = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t kGreatestId = std::numeric_limits<std::int32_t>::max();
@@ -34,102 +34,41 @@ std::string NameAt(const FED_IdMap& map, std::int64_t index) {
   return name;
 }
 
-// The plainest map there is: a list of entities, searched from end to end.
-class NaiveMap {
- public:
-  struct Entity {
-    std::int64_t index;
-    std::int32_t id;
-    std::string name;
-  };
-
-  template <class Test>
-  const Entity* Find(Test test) const {
-    for (const Entity& entity : entities) {
-      if (test(entity)) return &entity;
-    }
-    return nullptr;
+// What is written first takes the next index.
+template <class Key>
+bool WriteBoth(FED_MemoryIdMap& map, const EntityModel& model, const Key& key) {
+  const bool known = model.IndexOf(key) >= 0;
+  const std::int64_t expected = known ? model.IndexOf(key) : model.GetMaxIndex() + 1;
+  if constexpr (std::is_same_v<Key, std::string>) {
+    EXPECT_EQ(map.IndexOfNameForWrite(key), expected);
+  } else {
+    EXPECT_EQ(map.IndexOfIdForWrite(key), expected);
   }
-  const Entity* ByIndex(std::int64_t index) const {
-    return Find([=](const Entity& e) { return e.index == index; });
-  }
-  const Entity* ById(std::int32_t id) const {
-    return Find([=](const Entity& e) { return e.id == id; });
-  }
-  const Entity* ByName(const std::string& name) const {
-    return Find([&](const Entity& e) { return !name.empty() && e.name == name; });
-  }
-  std::int64_t MaxIndex() const {
-    std::int64_t greatest = -1;
-    for (const Entity& entity : entities) greatest = std::max(greatest, entity.index);
-    return greatest;
-  }
-
-  bool Add(std::int64_t index, std::int32_t id, const std::string& name) {
-    const Entity* const here = ByIndex(index);
-    if (index < 0 || here != ById(id)) return false;
-    const Entity* const named = ByName(name);
-    if (named != nullptr && named != here) return false;
-    if (here != nullptr && !here->name.empty() && !name.empty() && here->name != name) return false;
-    if (here == nullptr) entities.push_back({index, id, ""});
-    for (Entity& entity : entities) {
-      if (entity.index == index && !name.empty()) entity.name = name;
-    }
-    return true;
-  }
-
-  std::vector<Entity> entities;
-};
-
-void ExpectSame(const FED_MemoryIdMap& map, const NaiveMap& model) {
-  ASSERT_EQ(map.GetCount(), model.entities.size());
-  ASSERT_EQ(map.GetMaxIndex(), model.MaxIndex());
-  for (const NaiveMap::Entity& entity : model.entities) {
-    ASSERT_EQ(map.IdOfIndex(entity.index), entity.id);
-    ASSERT_EQ(map.IndexOfId(entity.id), entity.index);
-    ASSERT_EQ(map.HasNameAt(entity.index), !entity.name.empty());
-    if (entity.name.empty()) continue;
-    ASSERT_EQ(NameAt(map, entity.index), entity.name);
-    ASSERT_EQ(map.IndexOfName(entity.name), entity.index);
-  }
-  for (int i = -3; i < 45; ++i) {
-    ASSERT_EQ(map.ContainsIndex(i), model.ByIndex(i) != nullptr);
-    ASSERT_EQ(map.ContainsId(i), model.ById(i) != nullptr);
-    ASSERT_EQ(map.ContainsName(std::to_string(i)), model.ByName(std::to_string(i)) != nullptr);
-  }
+  return !known;
 }
 
-TEST(MemoryIdMapTest, BehavesLikeAListOfEntities) {
+TEST(MemoryIdMapTest, BehavesLikePlainMaps) {
   std::mt19937 random(5);
   const auto below = [&](int count) {
     return static_cast<int>(random() % static_cast<unsigned>(count));
   };
   for (int round = 0; round < 60; ++round) {
     FED_MemoryIdMap map(ID_TYPE_NODE);
-    NaiveMap model;
+    EntityModel model;
     for (int step = 0; step < 60; ++step) {
-      const std::int64_t index = below(41) - 1;
       const std::int32_t id = below(41) - 1;
       const std::string name = below(3) == 0 ? "" : std::to_string(below(40));
       const int action = below(8);
       if (action == 0) {
-        const bool known = model.ById(id) != nullptr;
-        const std::int64_t expected = known ? model.ById(id)->index : model.MaxIndex() + 1;
-        ASSERT_EQ(map.IndexOfIdForWrite(id), expected);
-        if (!known) model.Add(expected, id, "");
+        if (WriteBoth(map, model, id)) model.Add(model.GetMaxIndex() + 1, id);
       } else if (action == 1 && !name.empty()) {
         std::int32_t freeId = 1;
-        while (model.ById(freeId) != nullptr) ++freeId;
-        const bool known = model.ByName(name) != nullptr;
-        const std::int64_t expected = known ? model.ByName(name)->index : model.MaxIndex() + 1;
-        ASSERT_EQ(map.IndexOfNameForWrite(name), expected);
-        if (!known) model.Add(expected, freeId, name);
-      } else if (model.Add(index, id, name)) {
-        ASSERT_NO_THROW(map.Add(index, id, name));
+        while (model.IndexOf(freeId) >= 0) ++freeId;
+        if (WriteBoth(map, model, name)) model.Add(model.GetMaxIndex() + 1, freeId, name);
       } else {
-        ASSERT_THROW(map.Add(index, id, name), FED_Failure);
+        model.AddBoth(map, below(41) - 1, id, name);
       }
-      ExpectSame(map, model);
+      model.ExpectSame(map);
     }
   }
 }
@@ -234,18 +173,6 @@ TEST(MemoryIdMapTest, BulkFormsRefuseWhatCannotBe) {
   EXPECT_EQ(map.IdOfIndex(kGreatestIndex), 9);
 }
 
-TEST(MemoryIdMapTest, NewNamesGetTheSmallestFreeId) {
-  FED_MemoryIdMap map(ID_TYPE_MATERIAL);
-  map.Add(0, 1);
-  map.Add(5, 3);
-  map.Add(6, -4);
-  map.Add(7, kGreatestId);
-  EXPECT_EQ(map.IdOfIndex(map.IndexOfNameForWrite("steel")), 2);
-  EXPECT_EQ(map.IdOfIndex(map.IndexOfNameForWrite("rubber")), 4);
-  EXPECT_EQ(map.IndexOfNameForWrite("steel"), 8);
-  EXPECT_EQ(map.GetMaxIndex(), 9);
-}
-
 TEST(MemoryIdMapTest, NamesMayHoldAnyBytes) {
   FED_MemoryIdMap map(ID_TYPE_PROPERTY);
   const std::string withZero("a\0b", 3);
@@ -267,23 +194,6 @@ TEST(MemoryIdMapTest, ManyNamesAreKeptApart) {
   for (std::int64_t i = 0; i < kCount; ++i) {
     ASSERT_EQ(map.IndexOfName("part " + std::to_string(i)), i);
   }
-}
-
-TEST(MemoryIdMapTest, FailingAllocationLeavesNoHalfEntity) {
-  FED_MemoryIdMap map(ID_TYPE_NODE);
-  std::size_t failures = 0;
-  for (std::int32_t id = 1; id <= 200; ++id) {
-    failures += qelta::test::ForEachFailingAllocation(
-        [&] { map.Add(id, id, "a name too long to be short " + std::to_string(id)); },
-        [&] {
-          ASSERT_EQ(map.ContainsId(id), map.ContainsIndex(id));
-          ASSERT_FALSE(map.HasNameAt(id));
-        });
-    ASSERT_TRUE(map.HasNameAt(id));
-  }
-  EXPECT_GT(failures, 200u);
-  EXPECT_EQ(map.GetCount(), 200u);
-  EXPECT_EQ(map.IndexOfIdForWrite(-1), 201);
 }
 
 }  // namespace

@@ -78,13 +78,6 @@ TYPED_TEST(ArrayTest, ResizeNeverLooksAtTheReservedWord) {
   }
 }
 
-TYPED_TEST(ArrayTest, RegrownElementsAreZero) {
-  TypeParam array(typename TestFixture::Values{1, 2, 3});
-  array.Resize(1);
-  array.Resize(3);
-  EXPECT_EQ(this->Elements(array), (typename TestFixture::Values{1, 0, 0}));
-}
-
 TYPED_TEST(ArrayTest, AbsurdCountsAreRefusedAndChangeNothing) {
   TypeParam array(typename TestFixture::Values{1, 2, 3});
   for (const std::uint64_t count : {~std::uint64_t{0}, std::uint64_t{1} << 63,

@@ -111,33 +111,6 @@ TEST(IntervalSetTest, CountsTheFullRanges) {
   EXPECT_EQ(longs.Size(), ~std::uint64_t{0});
 }
 
-TEST(IntervalSetTest, MergesWhatTouchesOrOverlaps) {
-  struct Row {
-    int lo, hi;
-    std::vector<FED_IntSetIntvl<int>::Interval> expected;
-  };
-  const Row rows[] = {
-      {1, 2, {{1, 2}, {10, 20}, {30, 40}, {50, 60}}},
-      {1, 9, {{1, 20}, {30, 40}, {50, 60}}},
-      {21, 29, {{10, 40}, {50, 60}}},
-      {22, 28, {{10, 20}, {22, 28}, {30, 40}, {50, 60}}},
-      {15, 18, {{10, 20}, {30, 40}, {50, 60}}},
-      {5, 70, {{5, 70}}},
-      {15, 55, {{10, 60}}},
-      {41, 41, {{10, 20}, {30, 41}, {50, 60}}},
-      {61, 65, {{10, 20}, {30, 40}, {50, 65}}},
-      {62, 65, {{10, 20}, {30, 40}, {50, 60}, {62, 65}}},
-      {9, 8, {{10, 20}, {30, 40}, {50, 60}}},
-  };
-  for (const Row& row : rows) {
-    FED_IntSetIntvl<int> set;
-    for (const int lo : {30, 50, 10}) set.Insert(lo, lo + 10);
-    set.Insert(row.lo, row.hi);
-    EXPECT_EQ(std::vector<FED_IntSetIntvl<int>::Interval>(set.begin(), set.end()), row.expected)
-        << row.lo << ".." << row.hi;
-  }
-}
-
 TEST(IntervalSetTest, EmptyAndClear) {
   FED_IntSetIntvl<int> set;
   EXPECT_TRUE(set.Empty());

@@ -1,11 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <limits>
 #include <string>
+#include <vector>
 
 #include "QeltaStringUtil.h"
 #include "QeltaSysUtil.h"
+#include "ScopedEnvironment.h"
 
 namespace {
 
@@ -65,35 +66,18 @@ TEST(StringUtilTest, ReadsIntegers) {
 }
 
 TEST(StringUtilTest, RefusesEverythingElse) {
-  const std::pair<std::string, FedStatusCode> bad[] = {
-      {"", STATUS_NO_NUMBER},
-      {"  ", STATUS_NO_NUMBER},
-      {"+", STATUS_NO_NUMBER},
-      {"-", STATUS_NO_NUMBER},
-      {"+-5", STATUS_NO_NUMBER},
-      {"--5", STATUS_NO_NUMBER},
-      {"++5", STATUS_NO_NUMBER},
-      {"5x", STATUS_NO_NUMBER},
-      {"x5", STATUS_NO_NUMBER},
-      {"4 2", STATUS_NO_NUMBER},
-      {"- 5", STATUS_NO_NUMBER},
-      {"0x10", STATUS_NO_NUMBER},
-      {"1.0", STATUS_NO_NUMBER},
-      {"1e3", STATUS_NO_NUMBER},
-      {"1'000", STATUS_NO_NUMBER},
-      {"\xa0"
-       "5",
-       STATUS_NO_NUMBER},
-      {std::string("5\0", 2), STATUS_NO_NUMBER},
-      {"2147483648", STATUS_OUT_OF_RANGE},
-      {"-2147483649", STATUS_OUT_OF_RANGE},
-      {"99999999999999999999999", STATUS_OUT_OF_RANGE},
-      {"2147483648x", STATUS_NO_NUMBER},
+  const std::pair<FedStatusCode, std::vector<std::string>> rows[] = {
+      {STATUS_NO_NUMBER,
+       {"", "  ", "+", "-", "+-5", "--5", "++5", "5x", "x5", "4 2", "- 5", "0x10", "1.0", "1e3",
+        "1'000", "\xa0\x35", "2147483648x", std::string("5\0", 2)}},
+      {STATUS_OUT_OF_RANGE, {"2147483648", "-2147483649", "99999999999999999999999"}},
   };
-  for (const auto& [text, status] : bad) {
-    int number = 99;
-    EXPECT_EQ(QeltaStringUtil::ToInt(text, number), status) << text;
-    EXPECT_EQ(number, 99) << text;
+  for (const auto& [status, texts] : rows) {
+    for (const std::string& text : texts) {
+      int number = 99;
+      EXPECT_EQ(QeltaStringUtil::ToInt(text, number), status) << text;
+      EXPECT_EQ(number, 99) << text;
+    }
   }
 }
 
@@ -138,21 +122,13 @@ TEST(StringUtilTest, WidensUtf8InAnyLocale) {
   }
 }
 
-void SetVariable(const char* name, const char* value) {
-#if defined(_WIN32)
-  _putenv_s(name, value);
-#else
-  setenv(name, value, 1);
-#endif
-}
-
 TEST(SysUtilTest, ReadsTheEnvironment) {
-  SetVariable("qelta_test_variable", "  64 MB\t");
-  EXPECT_EQ(QeltaSysUtil::get_env_var("qelta_test_variable", "d", true), "64 MB");
-  EXPECT_EQ(QeltaSysUtil::get_env_var("qelta_test_variable", "d", false), "  64 MB\t");
-  SetVariable("qelta_test_variable", "   ");
-  EXPECT_EQ(QeltaSysUtil::get_env_var("qelta_test_variable", "d", true), "");
-  EXPECT_EQ(QeltaSysUtil::get_env_var("qelta_variable_nobody_sets", " d ", true), " d ");
+  {
+    const qelta::test::ScopedEnvironment set("qelta_test_variable", "  64 MB\t");
+    EXPECT_EQ(QeltaSysUtil::get_env_var("qelta_test_variable", "d", true), "64 MB");
+    EXPECT_EQ(QeltaSysUtil::get_env_var("qelta_test_variable", "d", false), "  64 MB\t");
+  }
+  EXPECT_EQ(QeltaSysUtil::get_env_var("qelta_test_variable", " d ", true), " d ");
 }
 
 }  // namespace

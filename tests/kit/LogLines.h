@@ -12,7 +12,7 @@ class LogLines {
  public:
   struct Line {
     FED_LogMacros::LogMsgType type;
-    std::string file;  ///< without folders
+    std::string file;
     int line;
     std::string location;
     std::string text;
@@ -28,9 +28,7 @@ class LogLines {
  private:
   static void Collect(void* context, FED_LogMacros::LogMsgType type, const char* file, int line,
                       const char* location, const char* text) {
-    const std::string path = file;
-    static_cast<LogLines*>(context)->lines.push_back(
-        {type, path.substr(path.find_last_of("/\\") + 1), line, location, text});
+    static_cast<LogLines*>(context)->lines.push_back({type, file, line, location, text});
   }
 };
 
