@@ -84,7 +84,7 @@ check 2 "one step of one mesh, not 8" export "$job" -o old.vtu
 check 2 "--format csv -o FOLDER/" export "$job" -o new.csv
 check 2 "names no format" export "$job" -o new.foo
 check 2 "vtu, pvd, hdf5, csv, jsonl" export "$job" -o new.vtu --format vtk
-check 2 "not for csv" export "$job" -o new.csv --compress
+check 2 "means nothing for csv" export "$job" -o new.csv --compress
 check 2 "not finite" export "$job" -o new.pvd --deformed inf
 expect 2 export "$job"
 check 3 "no displacement" export "$data/harmonic.frd" -o new.pvd --deformed 2

@@ -21,6 +21,7 @@ void AddDiffCommand(CLI::App& app, Action& action);
 void AddImportCommand(CLI::App& app, Action& action);
 void AddCopyCommand(CLI::App& app, Action& action);
 void AddExportCommand(CLI::App& app, Action& action);
+void AddReportCommand(CLI::App& app, Action& action);
 void AddRmCommand(CLI::App& app, Action& action);
 void AddVerifyCommand(CLI::App& app, Action& action);
 void AddSalvageCommand(CLI::App& app, Action& action);

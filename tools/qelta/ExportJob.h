@@ -21,11 +21,7 @@ struct ExportJob {
   /// The database with these blocks, and with those that `others` accepts.
   template <class Test>
   const FED_Database& Load(Test others) {
-    std::vector<FED_DataDescriptor> wanted = keys;
-    for (const FED_DataDescriptor& key : selection.GetSource().GetKeys()) {
-      if (others(key)) wanted.push_back(key);
-    }
-    return selection.GetSource().Load(wanted);
+    return selection.Load(keys, others);
   }
   const FED_Database& Load() { return selection.GetSource().Load(keys); }
 

@@ -43,6 +43,15 @@ class Selection {
   /// The keys of the selected blocks, in the order of the source.
   std::vector<FED_DataDescriptor> Find();
 
+  /// A database with the blocks of these keys, and with all that `others` accepts.
+  template <class Test>
+  const FED_Database& Load(std::vector<FED_DataDescriptor> keys, Test others) {
+    for (const FED_DataDescriptor& key : GetSource().GetKeys()) {
+      if (others(key)) keys.push_back(key);
+    }
+    return GetSource().Load(keys);
+  }
+
  private:
   std::string m_Name;
   std::vector<std::string> m_Where;

@@ -24,10 +24,10 @@ namespace {
 using namespace qelta;
 
 constexpr void (*kCommands[])(CLI::App&, Action&) = {
-    AddInfoCommand,       AddLsCommand,     AddFindCommand,    AddShowCommand,    AddStatsCommand,
-    AddPlotCommand,       AddDiffCommand,   AddImportCommand,  AddCopyCommand,    AddExportCommand,
-    AddRmCommand,         AddVerifyCommand, AddSalvageCommand, AddCompactCommand, AddBackupCommand,
-    AddCompletionCommand, AddHelpCommand};
+    AddInfoCommand,   AddLsCommand,         AddFindCommand,   AddShowCommand,    AddStatsCommand,
+    AddPlotCommand,   AddDiffCommand,       AddImportCommand, AddCopyCommand,    AddExportCommand,
+    AddReportCommand, AddRmCommand,         AddVerifyCommand, AddSalvageCommand, AddCompactCommand,
+    AddBackupCommand, AddCompletionCommand, AddHelpCommand};
 
 // What is wrong with the command, if that is what is wrong.
 std::string CommandComplaint(const CLI::App& app) {

@@ -1,0 +1,7 @@
+#include "ReportTemplate.h"
+
+namespace qelta {
+
+std::string_view ReportTemplate() { return {}; }
+
+}  // namespace qelta
