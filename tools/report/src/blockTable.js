@@ -55,8 +55,8 @@ export class BlockTable {
   }
 
   #sortBy(column) {
-    const { sorting } = { sorting: this.#sorting };
-    this.#sorting = { column, sign: sorting.column === column ? -sorting.sign : 1 };
+    const { column: last, sign } = this.#sorting;
+    this.#sorting = { column, sign: last === column ? -sign : 1 };
     const place = this.#columns.indexOf(column);
     this.#showHead();
     this.#head.children[place].firstChild.focus();

@@ -2,7 +2,7 @@ import { Vector3 } from "three";
 
 import { checkbox, labelled, make, numberText, setOptions } from "./dom.js";
 import { Legend } from "./legend.js";
-import { blockAt, Model, niceScale, rangeOf } from "./model.js";
+import { Model, rangeOf } from "./model.js";
 import { move, pickNode, pickTriangle } from "./pick.js";
 import { Scene } from "./scene.js";
 import { Deformation } from "./deformation.js";
@@ -25,6 +25,7 @@ export class MeshView {
   #blocks = [];
   #values;
   #pressed = null;
+  #selected = null;
   #player = null;
   #legend = new Legend();
   #canvas = make("canvas", {
@@ -179,7 +180,6 @@ export class MeshView {
     if (node < 0) this.#picked.textContent = `Node ${this.#node.value} is not among those shown.`;
   }
 
-  #selected = null;
   #select(selected) {
     this.#selected = selected.node === null ? null : selected;
     this.#tell();

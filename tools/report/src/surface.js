@@ -6,14 +6,9 @@ const kTriangle6 = {
   triangles: [0, 3, 5, 3, 1, 4, 5, 4, 2, 3, 4, 5],
   edges: [0, 3, 3, 1, 1, 4, 4, 2, 2, 5, 5, 0],
 };
-const kQuadEdges = [0, 4, 4, 1, 1, 5, 5, 2, 2, 6, 6, 3, 3, 7, 7, 0];
 const kQuad8 = {
   triangles: [0, 4, 7, 4, 1, 5, 5, 2, 6, 6, 3, 7, 4, 5, 7, 5, 6, 7],
-  edges: kQuadEdges,
-};
-const kQuad9 = {
-  triangles: [0, 4, 8, 0, 8, 7, 4, 1, 5, 4, 5, 8, 8, 5, 2, 8, 2, 6, 7, 8, 6, 7, 6, 3],
-  edges: kQuadEdges,
+  edges: [0, 4, 4, 1, 1, 5, 5, 2, 2, 6, 6, 3, 3, 7, 7, 0],
 };
 const kShapes = {
   1: { nodes: 1, points: [0] },
@@ -23,7 +18,6 @@ const kShapes = {
   22: { nodes: 6, ...kTriangle6 },
   9: { nodes: 4, ...kQuad },
   23: { nodes: 8, ...kQuad8 },
-  28: { nodes: 9, ...kQuad9 },
 };
 
 /// Cuts shapes into triangles, lines and points. `owners` are the cells of these; `edges` are pairs
