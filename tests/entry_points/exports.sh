@@ -6,7 +6,7 @@ export LC_ALL
 list=$1
 shift
 expected=$(sed '/^#/d' "$list" | cut -d' ' -f2 | sort)
-found=$(nm --dynamic --defined-only "$@" | sed -n 's/^[0-9a-f]* T \(.*_F\)$/\1/p' | sort)
+found=$("$(dirname "$0")/../kit/exported_names.sh" "$@" | grep '_F$' | sort)
 [ "$found" = "$expected" ] && exit
 echo "listed:" $expected
 echo "shown:" $found
