@@ -86,6 +86,26 @@ function(qelta_add_module name)
   qelta_public_headers(${ARG_HEADERS})
 endfunction()
 
+# qelta_runner(VARIABLE TARGET [FILTER]) what a shell script calls to run a program, which may be one
+# of another system; FILTER is what it prints led through then.
+function(qelta_runner variable target)
+  if(CMAKE_CROSSCOMPILING)
+    set(runner ${CMAKE_CURRENT_BINARY_DIR}/run-${target})
+    list(JOIN CMAKE_CROSSCOMPILING_EMULATOR " " emulator)
+    if(ARGN)
+      list(JOIN ARGN " " filter)
+      set(filter "> >(${filter})")
+    endif()
+    file(GENERATE OUTPUT ${runner} CONTENT "#!/bin/bash
+exec ${emulator} $<TARGET_FILE:${target}> \"$@\" 2> >(sed '/^wine: /d; s/\\r$//' >&2) ${filter}
+"
+      FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+    set(${variable} ${runner} PARENT_SCOPE)
+  else()
+    set(${variable} $<TARGET_FILE:${target}> PARENT_SCOPE)
+  endif()
+endfunction()
+
 # qelta_add_test(NAME SOURCES ... LIBS ... ENVIRONMENT ...)
 function(qelta_add_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;ENVIRONMENT" ${ARGN})

@@ -20,6 +20,7 @@
 #include "Progress.h"
 #include "Selection.h"
 #include "TargetDatabase.h"
+#include "Terminal.h"
 
 namespace qelta {
 namespace {
@@ -67,7 +68,8 @@ bool IsInFrame(const Key& key, int frame) {
 std::vector<Key> SelectKeys(const Options& options, const QeltaPatternText& pattern) {
   std::vector<Key> keys;
   int latest = std::numeric_limits<int>::min();
-  for (const auto& block : SummarizeFrd(options.file, options.reading).blocks) {
+  for (const auto& block :
+       SummarizeFrd(std::filesystem::u8path(options.file), options.reading).blocks) {
     if (!IsInStep(block.key, options)) continue;
     keys.push_back(block.key);
     if (block.key.Has(Key::SUBSTEP)) latest = std::max(latest, block.key.GetInteger(Key::SUBSTEP));
@@ -124,7 +126,8 @@ int ImportResults(Options& options, const QeltaKeyChanges& changes) {
     blocks += isAccepted ? 1u : 0u;
     return isAccepted;
   };
-  const FrdSource check(options.file);  // a file that is not there makes no database
+  const FrdSource check(
+      std::filesystem::u8path(options.file));  // a file that is not there makes no database
   const auto target = OpenTarget(options.target, false, options.CacheBytes());
   Progress progress("importing " + options.file, options.showProgress);
   options.reading.onProgress = [&progress](std::uint64_t done, std::uint64_t total) {
@@ -132,7 +135,8 @@ int ImportResults(Options& options, const QeltaKeyChanges& changes) {
   };
   FollowedImport following(options.file, *target, options.timeout);
   if (options.follows) following.Join(options.reading, choice);
-  const bool isComplete = ImportFrd(options.file, *target, options.reading, choice);
+  const bool isComplete =
+      ImportFrd(std::filesystem::u8path(options.file), *target, options.reading, choice);
   SaveDatabase(*target);
   Console::Print("imported " + CountText(blocks, "block") +
                  (isComplete ? "" : "; the file has no end record yet") + "\n");
@@ -143,11 +147,11 @@ int ImportTable(const Options& options, const QeltaKeyChanges& changes) {
   const bool isStream = options.file == "-";
   Key key;
   key.SetString(Key::LABEL,
-                isStream ? "TABLE" : std::filesystem::path(options.file).stem().string());
+                isStream ? "TABLE" : std::filesystem::u8path(options.file).stem().u8string());
   changes.ApplyTo(key);
   std::ifstream file;
   if (!isStream) {
-    file.open(options.file, std::ios::binary);
+    file.open(std::filesystem::u8path(options.file), std::ios::binary);
     if (!file || IsDatabase(options.file)) {
       throw FED_Failure("", "Cannot open " + options.file + ". Check the path.", "");
     }
@@ -170,7 +174,13 @@ int Import(Options& options) {
     }
     return ImportTable(options, changes);
   }
-  if (options.file == "-") options.file = "/dev/stdin";
+  if (options.file == "-") {
+    if (Terminal::kInputFile == nullptr) {
+      throw CLI::ValidationError(
+          "import", "only tables come from the standard input on this system; name the file.");
+    }
+    options.file = Terminal::kInputFile;
+  }
   return ImportResults(options, changes);
 }
 

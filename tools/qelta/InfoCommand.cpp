@@ -7,6 +7,7 @@
 #include <QeltaNames.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -240,7 +241,7 @@ void PrintResultFile(const Options& options) {
   reading.onProgress = [&progress](std::uint64_t done, std::uint64_t total) {
     progress.Show(done, total);
   };
-  const FrdFileSummary summary = SummarizeFrd(options.file, reading);
+  const FrdFileSummary summary = SummarizeFrd(std::filesystem::u8path(options.file), reading);
   std::vector<QeltaBlockInfo> blocks;
   for (const auto& block : summary.blocks) blocks.push_back(DescribeBlock(block));
   PrintFile(options, summary);

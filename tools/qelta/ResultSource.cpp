@@ -4,6 +4,7 @@
 #include <FrdImport.h>
 #include <FrdSummary.h>
 
+#include <filesystem>
 #include <map>
 #include <set>
 
@@ -48,8 +49,9 @@ class FrdFile : public ResultSource {
   FrdFile(std::string name, const SourceOptions& options)
       : m_Name(std::move(name)), m_ShowProgress(options.showProgress) {
     m_Reading.acceptRunningJob = options.acceptRunningJob;
-    const FrdFileSummary summary = ReadWithProgress(
-        [this](const FrdReadOptions& reading) { return SummarizeFrd(m_Name, reading); });
+    const FrdFileSummary summary = ReadWithProgress([this](const FrdReadOptions& reading) {
+      return SummarizeFrd(std::filesystem::u8path(m_Name), reading);
+    });
     for (const QeltaCountingSink::Block& block : summary.blocks) {
       m_Keys.push_back(block.key);
       m_Blocks.emplace(block.key, DescribeBlock(block));
@@ -73,7 +75,7 @@ class FrdFile : public ResultSource {
     FrdImportChoice choice;
     choice.accepts = [&wanted](const Key& key) { return wanted.count(key) > 0; };
     ReadWithProgress([&](const FrdReadOptions& reading) {
-      return ImportFrd(m_Name, m_Database, reading, choice);
+      return ImportFrd(std::filesystem::u8path(m_Name), m_Database, reading, choice);
     });
     return m_Database;
   }

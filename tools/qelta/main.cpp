@@ -3,6 +3,7 @@
 #include <QeltaNames.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdlib>
 #include <exception>
 #include <new>
@@ -14,6 +15,7 @@
 #include "Databases.h"
 #include "ExitCode.h"
 #include "HelpTexts.h"
+#include "Terminal.h"
 
 namespace {
 
@@ -61,10 +63,13 @@ int Run(int argc, char** argv, Action& action) {
       std::string("'qelta COMMAND --help' explains a command, 'qelta help pattern' how to select\n"
                   "blocks.\n\n") +
       kExitHelp);
+  app.allow_windows_style_options(false);  // "/name" is a path, on all systems
   for (const auto add : kCommands) add(app, action);
   RefuseEmptyValues(app);
   try {
-    app.parse(argc, argv);
+    std::vector<std::string> words = Terminal::GetArguments(argc, argv);
+    std::reverse(words.begin(), words.end());  // the order that the parser takes them in
+    app.parse(std::move(words));
     if (!action) throw CLI::RequiredError("A subcommand");
   } catch (const CLI::CallForVersion& version) {
     Console::Print(version.what());

@@ -4,12 +4,15 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 
 #include "ChildProcess.h"
 #include "FailureMatcher.h"
 #include "ForwardingFiles.h"
 #include "IoFailure.h"
+#include "ScopedEnvironment.h"
 #include "TemporaryDirectory.h"
 
 namespace qelta::test {
@@ -48,6 +51,19 @@ TEST_F(DatabaseLockTest, AForkDoesNotReleaseIt) {
     writer.reset();
     return FailToWrite() == text;
   }));
+}
+
+// Where the process of a death test begins the case anew, it is told where this one's directory is.
+TEST_F(DatabaseLockTest, AnotherProcessIsKeptOut) {
+  const char* const given = std::getenv("QELTA_TEST_PLACE");
+  const std::string place = given != nullptr ? given : directory.GetPath();
+  const ScopedEnvironment forChildren("QELTA_TEST_PLACE", place.c_str());
+  const auto writer = given == nullptr ? Make(true) : nullptr;
+  const auto write = [&] {
+    std::fputs(CatchFailure([&] { DatabaseLock(SystemFiles(), place, true); }).what(), stderr);
+    std::exit(7);
+  };
+  EXPECT_EXIT(write(), testing::ExitedWithCode(7), "is open for writing: process ");
 }
 
 TEST_F(DatabaseLockTest, TheWriterSeesWhatReadersHold) {
