@@ -34,3 +34,7 @@ configure_file(${CMAKE_CURRENT_LIST_DIR}/qelta-db-connector.pc.in
   ${PROJECT_BINARY_DIR}/qelta-db-connector.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/qelta-db-connector.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+if(WIN32)
+  include(QeltaZip)
+endif()

@@ -92,12 +92,15 @@ function(qelta_runner variable target)
   if(CMAKE_CROSSCOMPILING)
     set(runner ${CMAKE_CURRENT_BINARY_DIR}/run-${target})
     list(JOIN CMAKE_CROSSCOMPILING_EMULATOR " " emulator)
-    if(ARGN)
-      list(JOIN ARGN " " filter)
-      set(filter "> >(${filter})")
+    list(JOIN ARGN " " filter)
+    if(NOT filter)
+      set(filter cat)
     endif()
     file(GENERATE OUTPUT ${runner} CONTENT "#!/bin/bash
-exec ${emulator} $<TARGET_FILE:${target}> \"$@\" 2> >(sed '/^wine: /d; s/\\r$//' >&2) ${filter}
+{ ${emulator} $<TARGET_FILE:${target}> \"$@\" 2>&1 >&4 | sed '/^wine: /d; s/\\r$//' >&2
+  exit \${PIPESTATUS[0]}
+} 4>&1 | ${filter}
+exit \${PIPESTATUS[0]}
 "
       FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
     set(${variable} ${runner} PARENT_SCOPE)
