@@ -66,3 +66,6 @@ if(QELTA_BUILD_FORTRAN)
     LIBS "-lQeltaFortranModule -lQeltaFortran${static_io}"
     VARIABLES "fmoddir=\${libdir}/${QELTA_FORTRAN_MODULES}\n")
 endif()
+if(WIN32)
+  include(QeltaZip)
+endif()

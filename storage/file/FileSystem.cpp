@@ -6,6 +6,8 @@ std::unique_ptr<File> FileSystem::Adopt(const std::string&, std::unique_ptr<File
   return file;
 }
 
+std::string FileSystem::GetEnginePath(const std::string&) { return {}; }
+
 std::string ParentOf(const std::string& path) {
   const std::size_t last = path.find_last_not_of('/');
   if (last == std::string::npos) return path.empty() ? "." : "/";

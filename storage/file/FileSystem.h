@@ -44,8 +44,9 @@ class File {
   /// False when somebody else's lock is in the way; never waits.
   virtual bool TryLock(std::uint64_t first, std::uint64_t count, LockKind kind) = 0;
   virtual void Unlock(std::uint64_t first, std::uint64_t count) = 0;
-  /// Whether anybody else holds a lock, of either kind, on any of the bytes. The question itself
-  /// may be in the way of somebody else's TryLock for a moment.
+  /// Whether anybody else holds a lock, of either kind, on any of the bytes, none of which this
+  /// object has locked itself. The question may be in the way of somebody else's TryLock for a
+  /// moment.
   virtual bool IsLocked(std::uint64_t first, std::uint64_t count) = 0;
 
   /// An adopted file is about to be locked by its owner. See FileSystem::Adopt.
@@ -75,6 +76,10 @@ class FileSystem {
   /// operations then go through what is returned; `file` is the engine's own file. It is locked
   /// through the engine, never through this object.
   virtual std::unique_ptr<File> Adopt(const std::string& path, std::unique_ptr<File> file);
+
+  /// The absolute path, as the database engine of the catalogue must be told it; empty where the
+  /// engine finds that out by itself.
+  virtual std::string GetEnginePath(const std::string& path);
 
   virtual PathKind GetKind(const std::string& path) = 0;
   /// The names in a directory, without "." and "..", in no order.

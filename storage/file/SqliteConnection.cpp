@@ -13,8 +13,7 @@ constexpr int kPatience = 10000;
 
 std::string ImmutableUri(const std::string& path) {
   constexpr char kDigits[] = "0123456789ABCDEF";
-  const bool hasDrive = path.size() > 1 && path[1] == ':';
-  std::string uri = hasDrive ? "file:/" : "file:";
+  std::string uri = "file:";
   // Two slashes would begin the name of a host.
   if (path.compare(0, 2, "//") == 0) uri += "//";
   for (const char c : path) {

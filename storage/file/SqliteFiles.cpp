@@ -18,6 +18,12 @@ std::string MakeName(const void* owner) {
   return name;
 }
 
+// On Windows there is one that allows long paths.
+sqlite3_vfs* FindReal() {
+  sqlite3_vfs* const longPaths = sqlite3_vfs_find("win32-longpath");
+  return longPaths != nullptr ? longPaths : sqlite3_vfs_find(nullptr);
+}
+
 /// A file that SQLite's own VFS opened, and closes again itself.
 class EngineFile final : public File {
  public:
@@ -185,6 +191,7 @@ class SqliteFiles::Shim {
   static const sqlite3_io_methods* ChooseMethods(const sqlite3_io_methods& real);
   static int Open(sqlite3_vfs* vfs, const char* name, sqlite3_file* file, int flags, int* outFlags);
   static int Delete(sqlite3_vfs* vfs, const char* name, int syncsDirectory);
+  static int FullPathname(sqlite3_vfs* vfs, const char* name, int size, char* full);
 
   static int Close(sqlite3_file* file) {
     const std::unique_ptr<OpenFile> open(Get(file).open);
@@ -307,6 +314,17 @@ int SqliteFiles::Shim::Delete(sqlite3_vfs* vfs, const char* name, int syncsDirec
                    [&] { owner.m_Files.SyncDirectory(ParentOf(name)); });
 }
 
+int SqliteFiles::Shim::FullPathname(sqlite3_vfs* vfs, const char* name, int size, char* full) {
+  SqliteFiles& owner = Owner(vfs);
+  return Guard(owner, SQLITE_CANTOPEN, [&] {
+    const std::string path = owner.m_Files.GetEnginePath(name);
+    if (path.empty()) return Forward<&sqlite3_vfs::xFullPathname>::Call(vfs, name, size, full);
+    if (path.size() >= static_cast<std::size_t>(size)) return SQLITE_CANTOPEN;
+    std::memcpy(full, path.c_str(), path.size() + 1);
+    return SQLITE_OK;
+  });
+}
+
 sqlite3_vfs SqliteFiles::Shim::MakeVfs(SqliteFiles& owner) {
   sqlite3_vfs vfs{};
   vfs.iVersion = 2;
@@ -317,7 +335,7 @@ sqlite3_vfs SqliteFiles::Shim::MakeVfs(SqliteFiles& owner) {
   vfs.xOpen = Open;
   vfs.xDelete = Delete;
   vfs.xAccess = Forward<&sqlite3_vfs::xAccess>::Call;
-  vfs.xFullPathname = Forward<&sqlite3_vfs::xFullPathname>::Call;
+  vfs.xFullPathname = FullPathname;
   vfs.xDlOpen = Forward<&sqlite3_vfs::xDlOpen>::Call;
   vfs.xDlError = Forward<&sqlite3_vfs::xDlError>::Call;
   vfs.xDlSym = Forward<&sqlite3_vfs::xDlSym>::Call;
@@ -331,7 +349,7 @@ sqlite3_vfs SqliteFiles::Shim::MakeVfs(SqliteFiles& owner) {
 }
 
 SqliteFiles::SqliteFiles(FileSystem& files)
-    : m_Files(files), m_Name(MakeName(this)), m_Real(sqlite3_vfs_find(nullptr)) {
+    : m_Files(files), m_Name(MakeName(this)), m_Real(FindReal()) {
   if (m_Real == nullptr) {
     FED_Failure::Throw("220100000007", "|%P|QeltaFileStorage|SqliteFiles",
                        "SQLite has no way to files of its own. Use a build of it for this system.");

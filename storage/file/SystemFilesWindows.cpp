@@ -27,6 +27,7 @@ IoProblem ToProblem(DWORD error) {
     case ERROR_FILE_EXISTS:
     case ERROR_ALREADY_EXISTS:
     case ERROR_DIR_NOT_EMPTY:
+    case ERROR_DIRECTORY:
       return IoProblem::EXISTS;
     case ERROR_ACCESS_DENIED:
     case ERROR_WRITE_PROTECT:
@@ -86,13 +87,22 @@ std::wstring ToSystem(const std::string& path) {
   return AddPrefix(absolute);
 }
 
+// The system calls it a lack of rights to open a directory as a file.
+DWORD GetOpenError(const std::string& path) {
+  const DWORD error = GetLastError();
+  const DWORD attributes = GetFileAttributesW(ToSystem(path).c_str());
+  const bool isDirectory =
+      attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+  return error == ERROR_ACCESS_DENIED && isDirectory ? ERROR_DIRECTORY : error;
+}
+
 class Handle {
  public:
   Handle(const std::string& path, DWORD access, DWORD disposition, DWORD flags)
       : m_Handle(CreateFileW(ToSystem(path).c_str(), access,
                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                              disposition, flags, nullptr)) {
-    if (m_Handle == INVALID_HANDLE_VALUE) Fail("open", path);
+    if (m_Handle == INVALID_HANDLE_VALUE) Fail("open", path, GetOpenError(path));
   }
   ~Handle() { CloseHandle(m_Handle); }
   Handle(const Handle&) = delete;
@@ -237,6 +247,12 @@ class WindowsFiles final : public FileSystem {
  public:
   std::unique_ptr<File> Open(const std::string& path, OpenMode mode) override {
     return std::make_unique<WindowsFile>(path, mode);
+  }
+
+  // The engine adds endings to names, and has no prefix of its own for those that get too long.
+  std::string GetEnginePath(const std::string& path) override {
+    const std::wstring system = ToSystem(path);
+    return system.size() < MAX_PATH - 20 ? std::string() : ToUtf8(system);
   }
 
   PathKind GetKind(const std::string& path) override {

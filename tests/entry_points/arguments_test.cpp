@@ -32,10 +32,9 @@ TEST(EntryPoints, EndTheProcessWhenAnArgumentIsMissing) {
         std::atexit(&ReportAtExit);
         row.Run(arguments, i);
       };
-      EXPECT_EXIT(
-          call(), testing::ExitedWithCode(1),
-          testing::MatchesRegex("terminating: condition 'true' in " + row.name + " \\(" + row.unit +
-                                "\\.cpp:[1-9][0-9]*\\)\nstatus 77, 0 operations"))
+      EXPECT_EXIT(call(), testing::ExitedWithCode(1),
+                  testing::MatchesRegex("terminating: condition 'true' in " + row.name + " \\(" +
+                                        row.unit + "\\.cpp:.+\\)\nstatus 77, 0 operations"))
           << row.name << ", argument " << i;
     }
   }

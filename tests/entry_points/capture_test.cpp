@@ -157,7 +157,7 @@ TEST(FailureCapture, EndsTheProcessWhereThereIsNoStatus) {
     }
     EXPECT_EXIT(run(kind.fail), testing::ExitedWithCode(1),
                 testing::MatchesRegex("terminating: condition 'errcode != STATUS_OK' in Name_F "
-                                      "\\(capture_test\\.cpp:[1-9][0-9]*\\)\n"))
+                                      "\\(capture_test\\.cpp:.+\\)\n"))
         << kind.what;
   }
 }

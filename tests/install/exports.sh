@@ -3,6 +3,6 @@
 set -eu
 library=$1
 list=$2
-nm --dynamic --defined-only --demangle "$library" |
-  sed -E 's/^[0-9a-f]+ . //; s/^(vtable for|typeinfo for|typeinfo name for|VTT for) //' |
+"$(dirname "$0")/../kit/exported_names.sh" "$library" | c++filt |
+  sed -E 's/^(vtable for|typeinfo for|typeinfo name for|VTT for) //' |
   sed -E 's/(\[abi:cxx11\])?[(:].*$//' | sort -u | diff "$list" -

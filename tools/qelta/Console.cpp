@@ -1,18 +1,13 @@
 #include "Console.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
 
 #include "ExitCode.h"
-
-#if defined(__unix__) || defined(__APPLE__)
-#include <sys/ioctl.h>
-#include <unistd.h>
-#endif
+#include "Terminal.h"
 
 namespace qelta {
 namespace {
@@ -26,7 +21,7 @@ volatile std::sig_atomic_t g_Interrupts = 0;
 
 void Check(bool isDone) {
   if (isDone) return;
-  if (errno == EPIPE) throw Console::PipeClosed();
+  if (Terminal::IsPipeClosed()) throw Console::PipeClosed();
   throw Console::OutputFailure();
 }
 
@@ -44,40 +39,22 @@ bool IsSet(const char* variable) {
   return value != nullptr && *value != '\0';
 }
 
-#if defined(__unix__) || defined(__APPLE__)
-bool IsTerminal(std::FILE* file) { return isatty(fileno(file)) != 0; }
-
 std::size_t WidthOf(std::FILE* file) {
-  winsize size{};
-  const bool isKnown = ioctl(fileno(file), TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
-  return isKnown ? size.ws_col : kDefaultWidth;
-}
-
-void EndAtOnce() { _exit(EXIT_INTERRUPTED); }
-#else
-bool IsTerminal(std::FILE*) { return false; }
-std::size_t WidthOf(std::FILE*) { return kDefaultWidth; }
-void EndAtOnce() { std::_Exit(EXIT_INTERRUPTED); }
-#endif
-
-bool IsDumb() {
-  const char* const kind = std::getenv("TERM");
-  return kind == nullptr || std::string(kind) == "dumb";
+  const std::size_t width = Terminal::GetWidth(file);
+  return width > 0 ? width : kDefaultWidth;
 }
 
 // What was not saved is discarded, as after a crash.
-void OnInterrupt(int /*signal*/) {
-  if (g_Guards == 0 || g_Interrupts > 0) EndAtOnce();
+void OnInterrupt(int signal) {
+  if (g_Guards == 0 || g_Interrupts > 0) Terminal::EndAtOnce(EXIT_INTERRUPTED);
   g_Interrupts = 1;
+  std::signal(signal, OnInterrupt);  // some systems ask each time
 }
 
 }  // namespace
 
-// A closed pipe then shows as a failing write.
 void Console::Prepare() {
-#ifdef SIGPIPE
-  std::signal(SIGPIPE, SIG_IGN);
-#endif
+  Terminal::Prepare();
   std::signal(SIGINT, OnInterrupt);
 }
 
@@ -99,7 +76,7 @@ void Console::Complain(std::string text) {
 
 std::size_t Console::GetWidth() { return IsOutputTerminal() ? WidthOf(stdout) : kDefaultWidth; }
 
-bool Console::IsOutputTerminal() { return IsTerminal(stdout); }
+bool Console::IsOutputTerminal() { return Terminal::IsShowing(stdout); }
 
 bool Console::IsUtf8() {
   for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
@@ -112,7 +89,7 @@ bool Console::IsUtf8() {
 }
 
 void Console::PrintBold(const std::string& text) {
-  const bool isWanted = IsOutputTerminal() && !IsSet("NO_COLOR") && !IsDumb();
+  const bool isWanted = Terminal::KnowsSequences(stdout) && !IsSet("NO_COLOR");
   // Blank lines before and the end of the last one stay plain.
   const std::size_t begin = isWanted ? std::min(text.find_first_not_of('\n'), text.size()) : 0;
   const std::size_t end = isWanted ? text.find_last_not_of('\n') + 1 : text.size();
@@ -123,7 +100,7 @@ void Console::PrintBold(const std::string& text) {
   Print(text.substr(end));
 }
 
-bool Console::CanAsk() { return IsTerminal(stdin) && IsTerminal(stderr); }
+bool Console::CanAsk() { return Terminal::IsShowing(stdin) && Terminal::IsShowing(stderr); }
 
 bool Console::AskYes(const std::string& question) {
   if (!CanAsk()) return false;
@@ -133,7 +110,7 @@ bool Console::AskYes(const std::string& question) {
   return answer == "y" || answer == "Y" || answer == "yes";
 }
 
-bool Console::ShowsProgress() { return IsTerminal(stderr) && !IsDumb(); }
+bool Console::ShowsProgress() { return Terminal::KnowsSequences(stderr); }
 
 std::size_t Console::GetProgressWidth() { return WidthOf(stderr); }
 

@@ -5,7 +5,7 @@
 
 namespace qelta {
 
-/// The console of the process. All calls of the operating system by this tool are in Console.cpp.
+/// The console of the process; Terminal calls the operating system for it.
 class Console {
  public:
   struct PipeClosed {};  ///< thrown when the reader of the output has gone: nobody wants the rest

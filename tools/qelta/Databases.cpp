@@ -44,7 +44,7 @@ DatabaseReport ToReport(FED_FileDatabase::Report report) {
 
 bool IsDatabase(const std::string& name) {
   std::error_code error;
-  return std::filesystem::is_directory(name, error);
+  return std::filesystem::is_directory(std::filesystem::u8path(name), error);
 }
 
 std::unique_ptr<FED_Database> OpenDatabase(const std::string& name,

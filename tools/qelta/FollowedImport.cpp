@@ -29,8 +29,9 @@ void Pause() {
 
 void WaitForFile(const std::string& file, std::optional<double> timeout) {
   const auto start = std::chrono::steady_clock::now();
+  const std::filesystem::path path = std::filesystem::u8path(file);
   std::error_code error;
-  while (!std::filesystem::exists(file, error) && !IsOver(start, timeout)) Pause();
+  while (!std::filesystem::exists(path, error) && !IsOver(start, timeout)) Pause();
 }
 
 FollowedImport::FollowedImport(std::string file, TargetDatabase& target,
@@ -45,7 +46,7 @@ void FollowedImport::Join(FrdReadOptions& reading, FrdImportChoice& choice) {
 
 bool FollowedImport::WaitForMore() {
   std::error_code error;
-  const std::uintmax_t size = std::filesystem::file_size(m_File, error);
+  const std::uintmax_t size = std::filesystem::file_size(std::filesystem::u8path(m_File), error);
   if (error || size < m_Size) {
     FED_Failure::Throw("", "|%P|qelta|FollowedImport",
                        "%s became shorter: the solver began anew. Import it again.",

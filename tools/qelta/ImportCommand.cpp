@@ -50,6 +50,7 @@ struct Options {
     return selection.IsGiven() || step || onlyLatest || follows || timeout;
   }
 
+  std::filesystem::path Path() const { return PathOfSource(file); }
   std::uint64_t CacheBytes() const { return cacheMegabytes << 20; }
 };
 
@@ -96,7 +97,7 @@ std::vector<Key> SelectKeys(std::vector<Key> keys, const Options& options,
 // Extremes are known when the whole file is: it is read once more for them.
 std::vector<Key> SelectKeys(const Options& options, const QeltaPatternText& pattern) {
   std::vector<Key> keys;
-  for (const auto& block : SummarizeFrd(options.file, options.reading).blocks) {
+  for (const auto& block : SummarizeFrd(options.Path(), options.reading).blocks) {
     keys.push_back(block.key);
   }
   return SelectKeys(std::move(keys), options, pattern);
@@ -146,7 +147,7 @@ int ImportResults(Options& options, const QeltaKeyChanges& changes) {
     blocks += isAccepted ? 1u : 0u;
     return isAccepted;
   };
-  const FrdSource check(options.file);  // a file that is not there makes no database
+  const FrdSource check(options.Path());  // a file that is not there makes no database
   TargetDatabase target(options.target, false, options.CacheBytes());
   Progress progress("importing " + options.file, options.showProgress);
   options.reading.onProgress = [&progress](std::uint64_t done, std::uint64_t total) {
@@ -157,7 +158,7 @@ int ImportResults(Options& options, const QeltaKeyChanges& changes) {
   choice.onTable = [&, tell = choice.onTable](bool isOpen) {
     if (tell && hasStep && blocks > 0) tell(isOpen);
   };
-  const bool isComplete = ImportFrd(options.file, target.Get(), options.reading, choice);
+  const bool isComplete = ImportFrd(options.Path(), target.Get(), options.reading, choice);
   if (!hasStep) blocks = 0;
   if (blocks > 0) target.Save();
   Console::Print("imported " + CountText(blocks, "block") +
@@ -201,7 +202,7 @@ int ImportHdf5(const Options& options, const QeltaKeyChanges& changes) {
 
 QeltaCsvImport ReadTable(const std::string& name) {
   if (name == "-") return QeltaCsvImport(std::cin, name);
-  std::ifstream file(name, std::ios::binary);
+  std::ifstream file(std::filesystem::u8path(name), std::ios::binary);
   if (!file || IsDatabase(name)) {
     throw FED_Failure("", "Cannot open " + name + ". Check the path.", "");
   }
@@ -212,7 +213,7 @@ int ImportTable(const Options& options, const QeltaKeyChanges& changes) {
   Key key;
   key.SetString(Key::LABEL, options.file == "-"
                                 ? "TABLE"
-                                : std::filesystem::path(options.file).stem().string());
+                                : std::filesystem::u8path(options.file).stem().u8string());
   changes.ApplyTo(key);
   ParseOption("--set", [&key] { QeltaCsvImport::RequireKey(key); });
   const QeltaCsvImport table = ReadTable(options.file);
@@ -245,7 +246,6 @@ int Import(Options& options) {
   }
   if (IsHdf5(options.file)) return ImportHdf5(options, changes);
   RequireSinglePass(options);
-  options.file = PathOfSource(options.file);
   return ImportResults(options, changes);
 }
 

@@ -7,6 +7,7 @@
 #include <QeltaNames.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>

@@ -5,11 +5,13 @@
 #include <FrdSummary.h>
 
 #include <CLI/CLI.hpp>
+#include <filesystem>
 #include <map>
 #include <set>
 
 #include "Databases.h"
 #include "Progress.h"
+#include "Terminal.h"
 
 namespace qelta {
 namespace {
@@ -37,7 +39,7 @@ class DatabaseSource : public ResultSource {
 class FrdFile : public ResultSource {
   template <class Read>
   auto ReadWithProgress(Read read) const {
-    Progress progress("reading " + m_Name, m_ShowProgress);
+    Progress progress("reading " + m_Path.u8string(), m_ShowProgress);
     FrdReadOptions reading = m_Reading;
     reading.onProgress = [&progress](std::uint64_t done, std::uint64_t total) {
       progress.Show(done, total);
@@ -46,11 +48,11 @@ class FrdFile : public ResultSource {
   }
 
  public:
-  FrdFile(std::string name, const SourceOptions& options)
-      : m_Name(std::move(name)), m_ShowProgress(options.showProgress) {
+  FrdFile(std::filesystem::path path, const SourceOptions& options)
+      : m_Path(std::move(path)), m_ShowProgress(options.showProgress) {
     m_Reading.acceptRunningJob = options.acceptRunningJob;
     const FrdFileSummary summary = ReadWithProgress(
-        [this](const FrdReadOptions& reading) { return SummarizeFrd(m_Name, reading); });
+        [this](const FrdReadOptions& reading) { return SummarizeFrd(m_Path, reading); });
     for (const QeltaCountingSink::Block& block : summary.blocks) {
       m_Keys.push_back(block.key);
       m_Blocks.emplace(block.key, DescribeBlock(block));
@@ -74,13 +76,13 @@ class FrdFile : public ResultSource {
     FrdImportChoice choice;
     choice.accepts = [&wanted](const Key& key) { return wanted.count(key) > 0; };
     ReadWithProgress([&](const FrdReadOptions& reading) {
-      return ImportFrd(m_Name, m_Database, reading, choice);
+      return ImportFrd(m_Path, m_Database, reading, choice);
     });
     return m_Database;
   }
 
  private:
-  std::string m_Name;
+  std::filesystem::path m_Path;
   bool m_ShowProgress;
   FrdReadOptions m_Reading;
   std::vector<Key> m_Keys;
@@ -90,7 +92,13 @@ class FrdFile : public ResultSource {
 
 }  // namespace
 
-std::string PathOfSource(const std::string& name) { return name == "-" ? "/dev/stdin" : name; }
+std::filesystem::path PathOfSource(const std::string& name) {
+  if (name != "-") return std::filesystem::u8path(name);
+  if (Terminal::kInputFile != nullptr) return Terminal::kInputFile;
+  throw CLI::ValidationError(
+      "On this system results are not read from the standard input; save them in a file and name "
+      "that.");
+}
 
 void ThrowReadOnce() {
   throw CLI::ValidationError(

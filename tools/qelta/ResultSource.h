@@ -3,6 +3,7 @@
 #include <FED_Database.h>
 #include <QeltaBlockListing.h>
 
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -16,7 +17,7 @@ struct SourceOptions {
 };
 
 /// The path of a source: the standard input if its name is "-".
-std::string PathOfSource(const std::string& name);
+std::filesystem::path PathOfSource(const std::string& name);
 
 /// Fails as a wrong command line does, because the standard input should be read twice.
 [[noreturn]] void ThrowReadOnce();

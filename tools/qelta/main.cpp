@@ -18,6 +18,7 @@
 #include "Databases.h"
 #include "ExitCode.h"
 #include "HelpTexts.h"
+#include "Terminal.h"
 
 namespace {
 
@@ -66,10 +67,13 @@ int Run(int argc, char** argv, Action& action) {
       std::string("'qelta COMMAND --help' explains a command, 'qelta help pattern' how to select\n"
                   "blocks.\n\n") +
       kExitHelp);
+  app.allow_windows_style_options(false);  // "/name" is a path, on all systems
   for (const auto add : kCommands) add(app, action);
   RefuseEmptyValues(app);
   try {
-    app.parse(argc, argv);
+    std::vector<std::string> words = Terminal::GetArguments(argc, argv);
+    std::reverse(words.begin(), words.end());  // the order that the parser takes them in
+    app.parse(std::move(words));
     if (!action) throw CLI::RequiredError("A subcommand");
   } catch (const CLI::CallForVersion& version) {
     Console::Print(version.what());

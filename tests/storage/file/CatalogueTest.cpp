@@ -13,6 +13,12 @@
 namespace qelta::test {
 namespace {
 
+#if defined(_WIN32)
+constexpr char kFileName[] = "cata%20logue#.sqlite";  // no name has a question mark there
+#else
+constexpr char kFileName[] = "cata%20logue?#.sqlite";
+#endif
+
 using Access = Catalogue::Access;
 using testing::Contains;
 using testing::HasSubstr;
@@ -84,7 +90,7 @@ class CatalogueTest : public testing::Test {
   void SetBytes(const std::string& bytes) { std::ofstream(m_Path, std::ios::binary) << bytes; }
 
   const TemporaryDirectory m_Folder;
-  const std::string m_Path = m_Folder / "cata%20logue?#.sqlite";
+  const std::string m_Path = m_Folder / kFileName;
   FaultyFiles m_Files{SystemFiles()};
   Lines m_Damages;
 };

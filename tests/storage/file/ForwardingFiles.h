@@ -50,6 +50,7 @@ class ForwardingFiles : public FileSystem {
   std::unique_ptr<File> Adopt(const std::string& path, std::unique_ptr<File> file) override {
     return std::make_unique<ForwardingFile>(m_Real.Adopt(path, std::move(file)));
   }
+  std::string GetEnginePath(const std::string& path) override { return m_Real.GetEnginePath(path); }
   PathKind GetKind(const std::string& path) override { return m_Real.GetKind(path); }
   std::vector<std::string> List(const std::string& path) override { return m_Real.List(path); }
   void MakeDirectory(const std::string& path) override { m_Real.MakeDirectory(path); }

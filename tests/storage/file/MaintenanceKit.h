@@ -16,6 +16,7 @@
 #include "HeldCommit.h"
 #include "IdMapCode.h"
 #include "KeyCode.h"
+#include "QeltaStringUtil.h"
 
 namespace qelta::test {
 
@@ -23,7 +24,9 @@ inline std::unique_ptr<FED_FileDatabase> Open(
     const std::string& path, FED_DatabaseDefs::AccessMode mode = FED_DatabaseDefs::READ_ONLY,
     FileSystem& files = SystemFiles()) {
   auto database = std::make_unique<FED_FileDatabase>(files);
-  database->InitDb(FED_IdMapsPool(), mode, 0, {path.begin(), path.end()});
+  std::wstring name;
+  if (!QeltaStringUtil::ToWide(path, name)) throw std::runtime_error("no UTF-8: " + path);
+  database->InitDb(FED_IdMapsPool(), mode, 0, name);
   return database;
 }
 

@@ -1,11 +1,30 @@
 #pragma once
 
-#include <sys/wait.h>
 #include <unistd.h>
 
+#if !defined(_WIN32)
+#include <sys/wait.h>
+
 #include <csignal>
+#endif
 
 namespace qelta::test {
+
+#if defined(_WIN32)
+
+// Cases that need a fork are compiled, and left out.
+class Child {
+ public:
+  template <class Check>
+  explicit Child(Check) {}
+  bool AwaitSignal() const { return false; }
+  void Kill() {}
+  bool EndsWell() { return false; }
+};
+inline bool WaitForEver() { return false; }
+inline bool BecomeNobody() { return false; }
+
+#else
 
 /// A forked process beside this one, which ends without any destructors.
 class Child {
@@ -52,5 +71,13 @@ class Child {
   int m_Pipe[2] = {-1, -1};
   pid_t m_Id = -1;
 };
+
+/// Until this process is killed.
+inline bool WaitForEver() { return pause() == 0; }
+
+/// Gives up the rights of the administrator.
+inline bool BecomeNobody() { return geteuid() != 0 || (setgid(65534) == 0 && setuid(65534) == 0); }
+
+#endif
 
 }  // namespace qelta::test

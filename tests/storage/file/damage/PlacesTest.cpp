@@ -10,6 +10,7 @@
 #include "FED_LogMacros.h"
 #include "FailureMatcher.h"
 #include "LittleEndian.h"
+#include "QeltaStringUtil.h"
 #include "Saves.h"
 #include "SqliteConnection.h"
 #include "TemporaryDirectory.h"
@@ -98,6 +99,25 @@ TEST_F(Places, WithADatabaseOfAnotherVersionOrProgramAreRefused) {
   Refuse(path, kAll, "newer version");
 }
 
+// Characters of several bytes, and more of them than older systems let a path have.
+TEST_F(Places, MayHaveAnyName) {
+  std::string deep = directory.GetPath();
+  for (int i = 0; i < 4; ++i) {
+    deep += '/' + std::string(60, static_cast<char>('a' + i)) + " \xC3\xA4\xE2\x82\xAC";
+    SystemFiles().MakeDirectory(deep);
+  }
+  const std::string place = deep + "/a b%20#\xE6\x97\xA5", copy = deep + "/copy\xC3\xA9";
+  for (std::uint64_t last = 1; last <= kLast; ++last) SaveUpTo(last, place);
+  EXPECT_EQ(FindDifference(*Open(place), kLast), "");
+  const auto database = Open(place, kReadWrite);
+  std::wstring wide;
+  ASSERT_TRUE(QeltaStringUtil::ToWide(copy, wide));
+  database->Backup(wide);
+  EXPECT_TRUE(database->Compact());
+  ExpectWhole(copy);
+  EXPECT_THAT(database->Verify().problems, testing::IsEmpty());
+}
+
 TEST_F(Places, HaveOneWriterWhoSaysWhereHeIs) {
   SaveUpTo(kLast, path);
   const auto writer = Open(path, kReadWrite);
@@ -117,7 +137,7 @@ TEST_F(Places, MayBeReadOnly) {
   ASSERT_TRUE(SaveAndDie(kLast + 1, killed));
   for (const std::string& place : {path, killed}) chmod(place.c_str(), 0555);
   EXPECT_TRUE(HoldsInChild([&] {
-    if (geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0)) return false;
+    if (!BecomeNobody()) return false;
     ExpectWhole(path);
     Refuse(path, {kReadWrite, kCreate}, path);
     try {
@@ -187,7 +207,7 @@ TEST_F(Places, AreOutOfReachOfAFork) {
     writer.reset();
     if (HasFailure()) return false;
     signal();
-    return pause() == 0;
+    return WaitForEver();
   });
   ASSERT_TRUE(fork.AwaitSignal());
   EXPECT_THAT(FailToOpen(path, kReadWrite), HasSubstr(kHeld));

@@ -113,7 +113,7 @@ TEST_F(IdleReaders, HoldWhatTheySeeAndNothingElse) {
   Child killed([&](const auto& signal) {
     const auto reader = Open(path);
     signal();
-    return pause() == 0;
+    return WaitForEver();
   });
   ASSERT_TRUE(killed.AwaitSignal());
   EXPECT_GT(SaveSome(3), 3.9);

@@ -22,7 +22,7 @@ class Golden : public testing::TestWithParam<const char*> {
   const std::string path = directory / "db";
 };
 
-INSTANTIATE_TEST_SUITE_P(Versions, Golden, testing::Values("version-1"));
+INSTANTIATE_TEST_SUITE_P(Versions, Golden, testing::Values("version-1", "version-1-windows"));
 
 TEST_P(Golden, ABlockOfAllTypesIsRead) {
   const auto db = Copy("full");

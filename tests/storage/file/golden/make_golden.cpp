@@ -3,6 +3,8 @@
 //
 //   cmake --build build/release --target make_golden
 //   build/release/tests/storage/make_golden tests/storage/file/golden/version-1
+//
+// and the same with the preset windows, into version-1-windows.
 
 #include <filesystem>
 
