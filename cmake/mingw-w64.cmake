@@ -14,3 +14,6 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
 # What wine takes for the disk of a Windows machine is in the build folder.
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/run-in-wine.sh ${CMAKE_BINARY_DIR}/wine)
+
+# A program needs no DLL for it.
+set(ZLIB_USE_STATIC_LIBS ON)

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Solves a small structure, keeps its results in a database on disk and asks for some of them; then
-# an optimisation that keeps every iteration. Takes the build folder.
+# Optimises a structure and solves another one, keeps all results in one database on disk, asks for
+# some of them and makes pictures. Takes the build folder.
 set -euo pipefail
 build=$(realpath "$1")
 work=$build/demo
@@ -15,31 +15,37 @@ run() {
   printf '\n$ %s\n' "$*"
   "$@"
 }
+title() { printf '\n== %s\n' "$*"; }
 
-printf '== %s\n' "CalculiX solves a cantilever: four load increments, then four natural frequencies"
+title "A Fortran program optimises a cantilever of 60 x 20 elements and saves every iteration"
+run "$build/examples/fortran/topology_optimisation" 60 20 200 file run.db
+
+title "CalculiX solves another cantilever: four load increments, then four natural frequencies"
 printf '\n$ ccx -i cantilever\n'
 ccx -i cantilever >cantilever.log || { tail -n 20 cantilever.log; exit 1; }
+printf '\nIts results go into the same database, as iteration 0:\n'
+run qelta import cantilever.frd run.db --set ITERATION=0
 
-printf '\n== %s\n' "Its results go into a database on disk"
-run qelta import cantilever.frd run.db
+title "What is there; the displacements of the last load increment; the highest stresses in it"
 run qelta info run.db
-
-printf '\n== %s\n' "The displacements; the last load increment; the highest stresses in it"
-run qelta ls run.db -w LABEL=DISP
 run qelta show run.db -w LABEL=DISP -w INCREMENT=max --id 9,18,27
 run qelta stats run.db -w LABEL=STRESS -w INCREMENT=max
+run qelta find run.db --latest
 
-printf '\n== %s\n' "All steps for ParaView, the modes bent"
-run qelta export run.db -o run.pvd
-run qelta export run.db -w STATE=1.. --deformed 0.1 -o modes.pvd
-
-printf '\n== %s\n' "The highest displacement, by a C++ program of 60 lines"
+title "The highest displacement, by a C++ program of 60 lines"
 run "$build/examples/cpp/highest_displacement" cantilever.frd
 
-printf '\n== %s\n' "A Fortran program optimises a cantilever of 60 x 20 elements and saves every iteration"
-run "$build/examples/fortran/topology_optimisation" 60 20 200 file design.db
-run qelta ls design.db --group-by kind
-run qelta find design.db --latest
-run qelta verify design.db
+title "Pictures"
+run qelta plot run.db -y OBJECTIVE_VALUE
+run qelta plot run.db -y OBJECTIVE_VALUE -o compliance.svg
+run qelta export run.db -w ITERATION=0 -o cantilever.pvd
+run qelta export run.db -w ITERATION=1.. -w ONF=element_density -o design.pvd
+run qelta report run.db -o report.html
+run qelta verify run.db
 
-printf '\nBoth databases are in %s\n' "$work"
+title "Where it is"
+printf '%-14s %s\n' \
+  database "$work/run.db" \
+  chart "$work/compliance.svg" \
+  report "$work/report.html, for any browser" \
+  ParaView "$work/cantilever.pvd, $work/design.pvd"

@@ -84,7 +84,7 @@ export function rangeOf(blocks, value) {
 }
 
 /// The scale at which the greatest displacement is a tenth of the model, as 1, 2 or 5 times a power
-/// of ten. Displacements are never shown smaller than they are.
+/// of ten. Displacements are not shown smaller than they are, unless they lead out of the view.
 export function niceScale(field, { radius }) {
   const index = field.values.findIndex(({ rule }) => rule === "magnitude");
   const greatest = rangeOf(field.blocks, index)?.high ?? 0;
@@ -92,5 +92,5 @@ export function niceScale(field, { radius }) {
   const wanted = (0.2 * radius) / greatest;
   const power = 10 ** Math.floor(Math.log10(wanted));
   const digit = [5, 2, 1].find((one) => one * power <= wanted) ?? 1;
-  return field.motion === "shape" ? digit * power : Math.max(1, digit * power);
+  return field.motion === "shape" ? digit * power : Math.max(greatest > radius ? 0 : 1, digit * power);
 }
