@@ -16,6 +16,11 @@ const kViews = {
 };
 const kPlayMilliseconds = 400;
 
+// The axis that a plane model is at right angles to.
+function flatAxis({ half, radius }) {
+  return ["X", "Y", "Z"][half.findIndex((extent) => extent < 1e-6 * radius)];
+}
+
 /// The part of the page that shows the model.
 export class MeshView {
   #report;
@@ -90,7 +95,7 @@ export class MeshView {
     this.#note.textContent = this.#model.note;
     this.#scene.setMesh(this.#model.positions, this.#model.shapes);
     this.#deformation.setModel(this.#model);
-    this.#look("3D");
+    this.#look(flatAxis(this.#model.box) ?? "3D");
     const { fields } = this.#model;
     setOptions(this.#fields, fields.map(({ name }) => name), firstChoice(fields));
     await this.#chooseField();
