@@ -22,10 +22,10 @@ Bytes ToPlanes(const void* numbers, std::size_t size, std::size_t count) {
 }
 
 Bytes Deflate(const Bytes& bytes) {
-  uLongf size = compressBound(bytes.size());
+  uLongf size = compressBound(static_cast<uLong>(bytes.size()));
   Bytes deflated(size);
-  const int state =
-      compress2(deflated.data(), &size, bytes.data(), bytes.size(), Z_DEFAULT_COMPRESSION);
+  const int state = compress2(deflated.data(), &size, bytes.data(),
+                              static_cast<uLong>(bytes.size()), Z_DEFAULT_COMPRESSION);
   if (state != Z_OK) throw std::bad_alloc();
   deflated.resize(size);
   return deflated;
@@ -65,7 +65,7 @@ nlohmann::ordered_json ReportArrays::Write(const std::vector<std::uint8_t>& numb
 }
 
 std::uint64_t ReportArrays::MostBytes(std::uint64_t bytes) {
-  return (compressBound(bytes) + 2) / 3 * 4 + kTagBytes;
+  return (compressBound(static_cast<uLong>(bytes)) + 2) / 3 * 4 + kTagBytes;
 }
 
 nlohmann::ordered_json ReportArrays::WriteBytes(const char* type, const void* bytes,
