@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <limits>
 
 namespace qelta {
@@ -11,9 +12,14 @@ namespace {
 constexpr double kLargest = std::numeric_limits<double>::max() / 8;
 constexpr double kTiny = std::numeric_limits<double>::min() * 1e6;
 
+// pow is not exact everywhere.
+double PowerOfTen(int exponent) {
+  return std::strtod(("1e" + std::to_string(exponent)).c_str(), nullptr);
+}
+
 // The next of 1, 2, 5, 10, 20 ... that is not less.
 double NiceStep(double least) {
-  const double power = std::pow(10.0, std::floor(std::log10(least)));
+  const double power = PowerOfTen(static_cast<int>(std::floor(std::log10(least))));
   for (const double factor : {1.0, 2.0, 5.0}) {
     if (factor * power >= least * (1 - 1e-9)) return factor * power;
   }
@@ -104,7 +110,7 @@ void Axis::MakeLinear() {
   }
   const int exponent = CommonExponent(std::max(std::abs(m_Low), std::abs(m_High)));
   if (exponent != 0) m_Multiplier = PowerText(exponent);
-  const double unit = std::pow(10.0, exponent);
+  const double unit = PowerOfTen(exponent);
   const int decimals = std::max(0, exponent - ExponentOf(step));
   const double first = std::ceil(m_Low / step - 1e-9);
   const double count = std::floor(m_High / step + 1e-9) - first;
@@ -118,8 +124,8 @@ void Axis::MakeDecades() {
   const auto floorOf = [](double v) { return static_cast<int>(std::floor(std::log10(v) + 1e-9)); };
   const auto ceilOf = [](double v) { return static_cast<int>(std::ceil(std::log10(v) - 1e-9)); };
   if (m_Options.endsAtTicks) {
-    m_Low = std::pow(10.0, floorOf(m_Low));
-    m_High = std::pow(10.0, ceilOf(m_High));
+    m_Low = PowerOfTen(floorOf(m_Low));
+    m_High = PowerOfTen(ceilOf(m_High));
   } else {
     WidenTight();
   }
@@ -127,7 +133,7 @@ void Axis::MakeDecades() {
   const int stride = (last - first) / static_cast<int>(m_Options.mostTicks) + 1;
   const bool isPlain = -4 < first && last < 5;
   for (int exponent = first; exponent <= last; exponent += stride) {
-    const double value = std::pow(10.0, exponent);
+    const double value = PowerOfTen(exponent);
     const std::string power = PowerText(exponent);
     m_Ticks.push_back(
         {value, isPlain ? Fixed(value, std::max(0, -exponent)) : power.substr(power.find('1'))});
@@ -135,7 +141,7 @@ void Axis::MakeDecades() {
   // Also below the first power and above the last one.
   for (int exponent = first - 1; exponent <= last; ++exponent) {
     for (int factor = 2; factor <= (stride == 1 ? 9 : 0); ++factor) {
-      const double value = factor * std::pow(10.0, exponent);
+      const double value = factor * PowerOfTen(exponent);
       if (m_Low <= value && value <= m_High) m_MinorTicks.push_back(value);
     }
   }
