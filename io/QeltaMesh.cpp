@@ -3,6 +3,8 @@
 #include <FED_Failure.h>
 
 #include <cstring>
+#include <string>
+#include <utility>
 
 #include "FrdElementType.h"
 #include "QeltaComponents.h"
@@ -43,24 +45,36 @@ bool HasSameLabel(const Key& a, const Key& b) {
          (!a.Has(Key::LABEL) || a.GetInteger(Key::LABEL) == b.GetInteger(Key::LABEL));
 }
 
-const FED_DataBlock* FindTopology(const FED_Database& database, const Key& nodes) {
+std::string LabelOf(const Key& key) {
+  return key.Has(Key::LABEL) ? key.GetString(Key::LABEL) : std::string();
+}
+
+constexpr std::int32_t kVtkWedge = 13;
+
+void TurnWedge(std::vector<std::int64_t>& nodes) {
+  std::swap(nodes[1], nodes[2]);
+  std::swap(nodes[4], nodes[5]);
+}
+
+}  // namespace
+
+const FED_DataBlock* FindBlockOfMesh(const FED_Database& database, const Key& mesh,
+                                     FED_OnfId kind) {
   const FED_DataBlock* best = nullptr;
   int bestAgreement = -1;
-  for (const Key& key : FindKind(database, ONF_ELEMENT_TOPOLOGY)) {
-    const int agreement = Agreement(key, nodes);
-    if (!HasSameLabel(key, nodes) || agreement <= bestAgreement) continue;
+  for (const Key& key : FindKind(database, kind)) {
+    const int agreement = Agreement(key, mesh);
+    if (!HasSameLabel(key, mesh) || agreement <= bestAgreement) continue;
     best = &database.GetDataBlock(key);
     bestAgreement = agreement;
   }
   return best;
 }
 
-}  // namespace
-
 QeltaMesh::QeltaMesh(const FED_Database& database, const Key& nodes)
     : m_Key(nodes),
       m_Coordinates(&database.GetDataBlock(nodes)),
-      m_Topology(FindTopology(database, nodes)),
+      m_Topology(FindBlockOfMesh(database, nodes, ONF_ELEMENT_TOPOLOGY)),
       m_Nodes(*m_Coordinates) {
   if (m_Topology != nullptr) m_Cells = QeltaPositions(*m_Topology);
 }
@@ -89,6 +103,7 @@ void QeltaMesh::VisitCells(const CellVisitor& visit) const {
       nodes.resize(m_Topology->GetIntListLen(handle));
       if (!nodes.empty()) m_Topology->GetIntList(handle, nodes.data());
       ReadNodes(cell.position, nodes, cell);
+      if (cell.vtkType == kVtkWedge && LooksInside(nodes)) TurnWedge(cell.nodes);
       visit(cell);
     }
   });
@@ -120,6 +135,21 @@ void QeltaMesh::ReadNodes(std::size_t position, const std::vector<std::int32_t>&
   }
 }
 
+bool QeltaMesh::LooksInside(const std::vector<std::int32_t>& wedge) const {
+  double p[4][3];
+  for (std::size_t i = 0; i < 4; ++i) {
+    m_Coordinates->GetVector(static_cast<std::size_t>(wedge[i]), p[i]);
+  }
+  double a[3][3];  // from the first node to the others of the base and to the top
+  for (std::size_t i = 0; i < 3; ++i) {
+    for (std::size_t k = 0; k < 3; ++k) a[i][k] = p[i + 1][k] - p[0][k];
+  }
+  const double volume = a[2][0] * (a[0][1] * a[1][2] - a[0][2] * a[1][1]) +
+                        a[2][1] * (a[0][2] * a[1][0] - a[0][0] * a[1][2]) +
+                        a[2][2] * (a[0][0] * a[1][1] - a[0][1] * a[1][0]);
+  return volume > 0;
+}
+
 QeltaMeshes::QeltaMeshes(const FED_Database& database) {
   for (const Key& key : FindKind(database, ONF_NODE_COORDINATES)) {
     m_Meshes.emplace_back(database, key);
@@ -128,12 +158,16 @@ QeltaMeshes::QeltaMeshes(const FED_Database& database) {
 
 const QeltaMesh* QeltaMeshes::Find(const Key& key) const {
   const QeltaMesh* best = nullptr;
-  int bestAgreement = -1;
+  std::pair<int, std::string> bestRank;
   for (const QeltaMesh& mesh : m_Meshes) {
-    const int agreement = Agreement(mesh.GetKey(), key);
-    if (agreement <= bestAgreement) continue;
+    int agreement = Agreement(mesh.GetKey(), key);
+    if (agreement < 0) continue;
+    const std::string label = LabelOf(mesh.GetKey());
+    if (!label.empty() && label == LabelOf(key)) ++agreement;
+    const std::pair<int, std::string> rank(-agreement, label);
+    if (best != nullptr && bestRank <= rank) continue;
     best = &mesh;
-    bestAgreement = agreement;
+    bestRank = rank;
   }
   return best;
 }

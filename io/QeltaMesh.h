@@ -44,13 +44,15 @@ class QeltaMesh {
       std::function<void(std::size_t first, std::size_t count, const double* coordinates)>;
   void VisitNodes(const NodeVisitor& visit) const;
 
-  /// Every cell. Fails when one refers to a node that has no coordinates, or has not as many nodes
-  /// as its type wants.
+  /// Every cell. A linear wedge whose base looks inside, as solvers number it, is turned: for VTK
+  /// the base looks away from the top. Fails when one refers to a node that has no coordinates, or
+  /// has not as many nodes as its type wants.
   using CellVisitor = std::function<void(const Cell&)>;
   void VisitCells(const CellVisitor& visit) const;
 
  private:
   void ReadNodes(std::size_t position, const std::vector<std::int32_t>& indices, Cell& cell) const;
+  bool LooksInside(const std::vector<std::int32_t>& wedge) const;
 
   FED_DataDescriptor m_Key;
   const FED_DataBlock* m_Coordinates;
@@ -58,6 +60,12 @@ class QeltaMesh {
   QeltaPositions m_Nodes;
   QeltaPositions m_Cells;
 };
+
+/// The block of a kind that tells more of a mesh, whose key is that of its nodes: of those with its
+/// LABEL whose key agrees in every field it specifies the one with most fields. Null when there is
+/// none.
+const FED_DataBlock* FindBlockOfMesh(const FED_Database& database, const FED_DataDescriptor& mesh,
+                                     FED_OnfId kind);
 
 /// The meshes of a database in the order of their keys.
 class QeltaMeshes {
@@ -67,8 +75,9 @@ class QeltaMeshes {
   const std::vector<QeltaMesh>& GetAll() const { return m_Meshes; }
 
   /// The mesh that the values of a block belong to: one whose key agrees with the block's in every
-  /// field that the mesh's key specifies, but for ONF and LABEL. Of several that with most fields,
-  /// of these the first. Null when there is none.
+  /// field that the mesh's key specifies, but for ONF and LABEL. Of several that with most fields
+  /// that agree, an equal LABEL among them; of these one without LABEL, or else the first by the
+  /// letters of its LABEL. Null when there is none.
   const QeltaMesh* Find(const FED_DataDescriptor& key) const;
 
  private:

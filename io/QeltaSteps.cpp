@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <map>
 #include <set>
 #include <utility>
@@ -100,7 +101,8 @@ bool Grow(const std::vector<double>& values) {
 std::optional<QeltaStepScale> ScaleOfValues(const std::vector<QeltaStep>& steps) {
   QeltaStepScale scale;
   for (const QeltaStep& step : steps) {
-    if (!step.value || step.valueName != steps.front().valueName) return std::nullopt;
+    if (!step.value || !std::isfinite(*step.value) || step.valueName != steps.front().valueName)
+      return std::nullopt;
     scale.values.push_back(*step.value);
   }
   scale.name = steps.front().valueName;
@@ -126,7 +128,8 @@ std::string KindName(const Key& key) {
 }
 
 std::string BaseName(const Key& key) {
-  return key.Has(Key::LABEL) ? key.GetString(Key::LABEL) : KindName(key);
+  const std::string label = key.Has(Key::LABEL) ? key.GetString(Key::LABEL) : "";
+  return label.empty() ? KindName(key) : label;
 }
 
 std::string SubLevelName(int level) {
@@ -204,6 +207,13 @@ QeltaSteps FindSteps(const FED_Database& database, const std::vector<Key>& keys)
     result.steps.push_back(std::move(step));
   }
   return result;
+}
+
+bool HoldsAt(const Key& block, const Key& step) {
+  return std::all_of(kStepFields.begin(), kStepFields.end(), [&](Key::ResultIndex field) {
+    return !block.Has(field) ||
+           (step.Has(field) && block.GetInteger(field) == step.GetInteger(field));
+  });
 }
 
 QeltaStepScale ScaleOf(const std::vector<QeltaStep>& steps) {

@@ -28,6 +28,9 @@ struct QeltaSteps {
 /// ITERATION=3/LOADCASE=1 and ITERATION=3/LOADCASE=2.
 QeltaSteps FindSteps(const FED_Database& database, const std::vector<FED_DataDescriptor>& keys);
 
+/// Whether a block holds at a step: every field of a step that its key specifies agrees.
+bool HoldsAt(const FED_DataDescriptor& block, const FED_DataDescriptor& step);
+
 /// A number for each step that grows from step to step: the values of the steps when they are of
 /// one kind and grow, else the iterations, increments or load cases if one of these alone tells the
 /// steps apart, else 0, 1, 2 and so on.

@@ -42,7 +42,9 @@ void RequireVersion(hid_t file) {
   if (version < 1) throw Hdf5Problem{"attribute format_version is " + std::to_string(version)};
   if (version > hdf5::kNewestVersion) {
     throw Hdf5Problem{"its format has version " + std::to_string(version) +
-                      ", and this program knows version " + std::to_string(hdf5::kNewestVersion)};
+                          ", and this program knows version " +
+                          std::to_string(hdf5::kNewestVersion),
+                      false, "A newer version wrote it; update the program."};
   }
 }
 

@@ -33,9 +33,8 @@ void ThrowReadFailure(const std::string& path, const std::string& place,
     FED_Failure::Throw(kReadErrorId, kLocation, "Cannot read %s: %s. Check the device.",
                        where.c_str(), problem.text.c_str());
   }
-  FED_Failure::Throw("310000000932", kLocation,
-                     "%s: %s. The file is damaged or no export of a database; export it again.",
-                     where.c_str(), problem.text.c_str());
+  FED_Failure::Throw("310000000932", kLocation, "%s: %s. %s", where.c_str(), problem.text.c_str(),
+                     problem.remedy.c_str());
 }
 
 bool IsHdf5DeviceFailure(const FED_Exception& failure) {

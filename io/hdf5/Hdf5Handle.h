@@ -11,6 +11,8 @@ namespace qelta {
 struct Hdf5Problem {
   std::string text;       ///< "dataset index has 3 rows, not 4"
   bool isSystem = false;  ///< the operating system refused to read or write
+  /// What may help against it.
+  std::string remedy = "The file is damaged or no export of a database; export it again.";
 };
 
 /// Throws the reason that the library remembers.

@@ -27,7 +27,10 @@ Hdf5OutputFile::Hdf5OutputFile(const std::string& path)
     : m_Path(fs::u8path(path)),
       m_Temporary(fs::u8path(path + "." + std::to_string(std::random_device()()) + ".part")) {
   std::error_code error;
-  if (fs::is_directory(m_Path, error)) throw Hdf5Problem{"it is a directory", true};
+  const fs::file_status status = fs::status(m_Path, error);
+  if (fs::exists(status) && !fs::is_regular_file(status)) {
+    throw Hdf5Problem{"something that is no plain file has this name", true};
+  }
   const Hdf5Handle access = MakeAccess(m_Error);
   m_File = H5Fcreate(m_Temporary.u8string().c_str(), H5F_ACC_TRUNC, H5P_DEFAULT, access);
   Check();

@@ -141,11 +141,10 @@ class QeltaVtuExport::Plan {
         IdsOf(mesh.GetNodes(), maps.GetMap(ID_TYPE_NODE), VtuSection::PointData, "GlobalNodeId"));
     grid.arrays.push_back(IdsOf(mesh.GetCells(), maps.GetMap(ID_TYPE_ELEMENT), VtuSection::CellData,
                                 "GlobalElementId"));
-    FED_DataDescriptor attributes = mesh.GetKey();
-    attributes.SetInteger(FED_DataDescriptor::ONF, ONF_ELEMENT_ATTRIBUTES);
-    if (!m_Database.HasBlock(attributes)) return;
-    AddArrays(m_Database.GetDataBlock(attributes), "", mesh.GetCells(), VtuSection::CellData, true,
-              grid);
+    const FED_DataBlock* const attributes =
+        FindBlockOfMesh(m_Database, mesh.GetKey(), ONF_ELEMENT_ATTRIBUTES);
+    if (attributes == nullptr) return;
+    AddArrays(*attributes, "", mesh.GetCells(), VtuSection::CellData, true, grid);
   }
 
   VtuArray PointsFor(const VtuPart& part) const {

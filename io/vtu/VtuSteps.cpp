@@ -55,9 +55,12 @@ void VtuSteps::SortOut(const std::vector<Key>& keys) {
       if (std::find(m_ChosenMeshes.begin(), end, mesh) == end) m_ChosenMeshes.push_back(mesh);
     } else if (!IsOfMesh(key) && HasValues(m_Database.GetDataBlock(key))) {
       withValues.push_back(key);
-    } else {
+    } else if (!IsOfMesh(key)) {
       m_LeftOut.push_back(key);
     }
+  }
+  for (const QeltaMesh* chosen : m_ChosenMeshes) {
+    if (!DependsOnStep(m_Database, chosen->GetKey())) m_SteplessMeshes.push_back(chosen);
   }
   AddValues(withValues);
 }
@@ -123,9 +126,7 @@ std::vector<const QeltaMesh*> VtuSteps::MeshesOf(const QeltaStep& step) const {
     if (mesh != nullptr && labels.count(LabelOf(*mesh)) == 0) meshes.insert(mesh);
   };
   for (const Key& key : m_Constant) add(MeshOf(key));
-  for (const QeltaMesh* mesh : m_ChosenMeshes) {
-    if (!DependsOnStep(m_Database, mesh->GetKey())) add(mesh);
-  }
+  for (const QeltaMesh* mesh : m_SteplessMeshes) add(mesh);
   if (meshes.empty()) meshes.insert(m_Meshes.Find(step.key));
   return {meshes.begin(), meshes.end()};
 }
@@ -158,12 +159,26 @@ const QeltaMesh* VtuSteps::MeshOfValues(const Key& key, const FED_DataBlock& blo
   return mesh;
 }
 
+// Among those of the step itself first: to look at all blocks for each step takes long.
 const FED_DataBlock* VtuSteps::FindDisplacement(const VtuPart& part) const {
-  for (const FED_OnfId kind : {ONF_DISPLACEMENT, ONF_MODE_SHAPE}) {
-    FED_DataDescriptorPattern pattern(WithKind(m_Steps[part.step].key, kind));
-    pattern.SetMatchAll(Key::LABEL);
-    for (const Key& key : m_Database.FindBlocks(pattern)) {
-      if (m_Meshes.Find(key) == part.mesh) return &m_Database.GetDataBlock(key);
+  const Key& step = m_Steps[part.step].key;
+  for (const bool isOfStep : {true, false}) {
+    for (const FED_OnfId kind : {ONF_DISPLACEMENT, ONF_MODE_SHAPE}) {
+      FED_DataDescriptorPattern pattern(WithKind(step, kind));
+      pattern.SetMatchAll(Key::LABEL);
+      if (!isOfStep) {
+        pattern = FED_DataDescriptorPattern();
+        pattern.SetMatchExact(Key::ONF, kind);
+        for (const Key::ResultIndex field :
+             {Key::LAYER, Key::SUB_LEVEL, Key::DIRECTION, Key::MICROPHONE, Key::OBJECTIVE_ID}) {
+          pattern.SetMatchIfPresent(field, false);
+        }
+      }
+      for (const Key& key : m_Database.FindBlocks(pattern)) {
+        if (HoldsAt(key, step) && m_Meshes.Find(key) == part.mesh) {
+          return &m_Database.GetDataBlock(key);
+        }
+      }
     }
   }
   return nullptr;

@@ -60,6 +60,7 @@ class VtuSteps {
   std::vector<VtuValues> m_Values;
   std::map<FED_DataDescriptor, VtuValues*> m_ValuesOfKey;
   std::vector<const QeltaMesh*> m_ChosenMeshes;
+  std::vector<const QeltaMesh*> m_SteplessMeshes;  // of these
   std::vector<FED_DataDescriptor> m_LeftOut;
   std::vector<QeltaStep> m_Steps;
   std::vector<FED_DataDescriptor> m_Constant;

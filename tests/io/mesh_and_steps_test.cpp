@@ -92,6 +92,23 @@ TEST(Mesh, OfMovedNodesHasTheCommonElements) {
   EXPECT_EQ(QeltaMesh(database, second).GetCells().GetCount(), 0u);
 }
 
+// A unit wedge whose base looks inside, and the same as VTK has it.
+TEST(Mesh, TurnsLinearWedges) {
+  Database database;
+  const Key key(ONF_NODE_COORDINATES);
+  const double places[6][3] = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 0, 1}, {0, 1, 1}};
+  FED_DataBlock& nodes = database.FetchDataBlock(key, std::size_t{6});
+  for (std::size_t i = 0; i < 6; ++i) nodes.SetVector(i, places[i]);
+  database.SetElement(key, 0, 13, {0, 1, 2, 3, 4, 5});
+  database.SetElement(key, 1, 13, {0, 2, 1, 3, 5, 4});
+  std::size_t count = 0;
+  QeltaMesh(database, key).VisitCells([&count](const QeltaMesh::Cell& cell) {
+    EXPECT_THAT(cell.nodes, ElementsAre(0, 2, 1, 3, 5, 4));
+    ++count;
+  });
+  EXPECT_EQ(count, 2u);
+}
+
 TEST(Meshes, BlocksFindTheirs) {
   Database database;
   const Key common = MakeKey({{Key::ONF, ONF_NODE_COORDINATES}});
@@ -104,6 +121,7 @@ TEST(Meshes, BlocksFindTheirs) {
   EXPECT_EQ(meshes.Find(MakeKey({{Key::ITERATION, 4}}))->GetKey(), moved);
   EXPECT_EQ(meshes.Find(MakeKey({{Key::ITERATION, 5}}))->GetKey(), common);
   EXPECT_EQ(meshes.Find(Key(ONF_DISPLACEMENT))->GetKey(), common);
+  EXPECT_EQ(meshes.Find(MakeKey({}, "#2"))->GetKey(), second);
 }
 
 TEST(Steps, OfASolverRun) {
@@ -140,6 +158,9 @@ TEST(Steps, AreNumberedWhenNothingGrows) {
   };
   EXPECT_EQ(scale({MakeKey({{Key::ITERATION, 7}}), MakeKey({{Key::ITERATION, -1}})}).values,
             (std::vector<double>{-1, 7}));
+  EXPECT_TRUE(HoldsAt(MakeKey({{Key::ITERATION, 3}, {Key::LAYER, 1}}),
+                      MakeKey({{Key::ITERATION, 3}, {Key::LOADCASE, 1}})));
+  EXPECT_FALSE(HoldsAt(MakeKey({{Key::ITERATION, 3}}), MakeKey({{Key::LOADCASE, 1}})));
   const QeltaStepScale counted = scale({MakeKey({{Key::LOADCASE, 1}, {Key::STATE, 2}}),
                                         MakeKey({{Key::LOADCASE, 1}, {Key::INCREMENT, 1}})});
   EXPECT_EQ(counted.name, "step");

@@ -173,7 +173,11 @@ def check_mesh(grid, arguments):
     for element, (end,), (kind,) in zip(elements, grid["Cells"]["offsets"][0],
                                         grid["Cells"]["types"][0]):
         assert kind == topology[element]["TYPE"] and end - begin == NODE_COUNTS[kind]
-        assert [nodes[i] for i in references[begin:end]] == topology[element]["NODES"]
+        expected = topology[element]["NODES"]
+        # Of a linear wedge the solver's base looks inside, VTK's outside.
+        if topology[element]["TYPE"] == 13:
+            expected = [expected[i] for i in (0, 2, 1, 3, 5, 4)]
+        assert [nodes[i] for i in references[begin:end]] == expected
         begin = end
     for row in show(arguments, ["ONF=element_attributes", "LABEL=!"]):
         for field in ("GROUP", "MATERIAL"):

@@ -84,6 +84,7 @@ int Export(Options& options) {
   if (job.deformation && !std::isfinite(*job.deformation)) {
     throw CLI::ValidationError("--deformed", "the scale is not finite");
   }
+  job.selection.RequireOther(job.output);
   job.keys = job.selection.Find();
   if (job.keys.empty()) return EXIT_NOTHING_FOUND;
   Console::Print(format.write(job));

@@ -247,6 +247,7 @@ void PrintChart(const Chart& chart, const Options& options) {
 int Plot(Options& options) {
   CheckOptions(options);
   RequestOf(options);
+  if (!options.output.empty()) options.selection.RequireOther(options.output);
   const std::vector<FED_DataDescriptor> keys = options.selection.Find();
   if (keys.empty()) return EXIT_NOTHING_FOUND;
   const std::vector<QeltaSeries> all = WithValues(Collect(options, keys));

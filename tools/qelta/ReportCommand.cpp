@@ -59,6 +59,7 @@ int Report(Options& options) {
         "report", "This build of qelta has no report: npm was not there when it was built.");
   }
   Selection& selection = options.selection;
+  selection.RequireOther(options.output);
   const std::vector<Key> keys = selection.Find();
   if (keys.empty()) return EXIT_NOTHING_FOUND;
   ResultSource& source = selection.GetSource();

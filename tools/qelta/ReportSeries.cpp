@@ -50,13 +50,14 @@ void Append(Json& list, const FED_Database& database, const std::vector<Key>& ke
 }  // namespace
 
 Json ReportSeries(const FED_Database& database, const std::vector<QeltaBlockInfo>& blocks) {
-  std::map<std::string, std::vector<Key>> single;
+  // Blocks of one name may differ in what they hold.
+  std::map<std::pair<std::string, const FED_OnfMetaData*>, std::vector<Key>> single;
   Json list = Json::array();
   for (const QeltaBlockInfo& info : blocks) {
     const FED_DataBlock& block = database.GetDataBlock(info.key);
     const std::string name = BlockNameOf(info.key);
     if (name.empty() || NumbersOf(block).empty()) continue;
-    if (info.records == 1) single[name].push_back(info.key);
+    if (info.records == 1) single[{name, info.kind}].push_back(info.key);
     if (info.records > 1 && RecordIdTypeOf(block) == ID_TYPE_RECORD_INDEX) {
       QeltaSeriesRequest history;
       history.y = NumbersOfBlock(name, block);
@@ -64,9 +65,9 @@ Json ReportSeries(const FED_Database& database, const std::vector<QeltaBlockInfo
       Append(list, database, {info.key}, history);
     }
   }
-  for (const auto& [name, keys] : single) {
+  for (const auto& [nameAndKind, keys] : single) {
     QeltaSeriesRequest request;
-    request.y = NumbersOfBlock(name, database.GetDataBlock(keys.front()));
+    request.y = NumbersOfBlock(nameAndKind.first, database.GetDataBlock(keys.front()));
     if (keys.size() > 1) Append(list, database, keys, request);
   }
   return list;

@@ -1,5 +1,8 @@
 #include "Selection.h"
 
+#include <filesystem>
+#include <system_error>
+
 namespace qelta {
 
 void Selection::AddTo(CLI::App& command, bool needsRecords) {
@@ -58,6 +61,18 @@ ResultSource& Selection::GetSource() {
     m_Source = ResultSource::Open(m_Name, m_Options);
   }
   return *m_Source;
+}
+
+void Selection::RequireOther(const std::string& output) const {
+  const auto isSource = [this](const std::filesystem::path& path) {
+    std::error_code error;
+    return std::filesystem::equivalent(path, std::filesystem::u8path(GetName()), error);
+  };
+  const auto path = std::filesystem::u8path(output);
+  if (!isSource(path) && !isSource(path.parent_path())) return;
+  throw CLI::ValidationError("--output", "'" + output +
+                                             "' is the source itself, or lies in it. Choose "
+                                             "another name.");
 }
 
 std::vector<FED_DataDescriptor> Selection::Find() {

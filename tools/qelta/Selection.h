@@ -40,6 +40,10 @@ class Selection {
   /// The source, opened by the first call; the command line is checked before.
   ResultSource& GetSource();
 
+  /// Fails as a wrong command line does when the output of a command is its source, or would lie in
+  /// it.
+  void RequireOther(const std::string& output) const;
+
   /// The keys of the selected blocks, in the order of the source.
   std::vector<FED_DataDescriptor> Find();
 
