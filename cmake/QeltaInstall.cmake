@@ -35,8 +35,12 @@ endif()
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/QeltaDbConnectorConfig.cmake.in
   ${PROJECT_BINARY_DIR}/QeltaDbConnectorConfig.cmake INSTALL_DESTINATION ${package_folder})
 # Before 1.0 a new minor version may change anything, see docs/versions.md.
+set(compatibility SameMajorVersion)
+if(PROJECT_VERSION_MAJOR EQUAL 0)
+  set(compatibility SameMinorVersion)
+endif()
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/QeltaDbConnectorConfigVersion.cmake
-  COMPATIBILITY SameMinorVersion)
+  COMPATIBILITY ${compatibility})
 install(FILES ${PROJECT_BINARY_DIR}/QeltaDbConnectorConfig.cmake
               ${PROJECT_BINARY_DIR}/QeltaDbConnectorConfigVersion.cmake
         DESTINATION ${package_folder} COMPONENT Development)

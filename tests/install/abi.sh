@@ -19,9 +19,8 @@ done
 cp "$source" "$work/headers.cpp"
 (
   cd "$work"
-  # shellcheck disable=SC2046
-  "$compiler" -std=c++17 $(printf %s ":$folders" | sed 's/:/ -I/g') -fdump-lang-class=classes.txt \
-    -fsyntax-only headers.cpp
+  includes=$(printf %s "$folders" | sed "s/:/' -I'/g")
+  eval "'$compiler' -std=c++17 -I'$includes' -fdump-lang-class=classes.txt -fsyntax-only headers.cpp"
 )
 # Of the classes of the library: "Class" with its size, "Vtable for" with its entries.
 awk '

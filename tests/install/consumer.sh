@@ -6,11 +6,12 @@
 # programs of another system; for these CMake alone is tried.
 set -eu
 cmake=$1 build=$2 work=$3 compiler=$4 with=$5 results=$6
+version=$(sed -n 's/^CMAKE_PROJECT_VERSION:.*=//p' "$build/CMakeCache.txt")
 here=$(cd "$(dirname "$0")" && pwd)
 tree=$(cd "$here/../.." && pwd)
 rm -rf "$work/stage" "$work/consumer" "$work/by-hand"
 "$cmake" --install "$build" --prefix "$work/stage" >/dev/null
-"$cmake" -S "$here/consumer" -B "$work/consumer" -G Ninja "-DWITH=$with" \
+"$cmake" -S "$here/consumer" -B "$work/consumer" -G Ninja "-DWITH=$with" "-DVERSION=$version" \
   -DCMAKE_PREFIX_PATH="$work/stage" -DCMAKE_CXX_COMPILER="$compiler" \
   ${QELTA_TOOLCHAIN:+-DCMAKE_TOOLCHAIN_FILE="$QELTA_TOOLCHAIN" -DCMAKE_FIND_ROOT_PATH="$work/stage"} \
   >/dev/null
@@ -22,7 +23,12 @@ suffix=""
 run() {
   program=$1$suffix
   shift
-  [ ! -x "$program" ] || WINEPATH="$work/stage/bin" ${QELTA_EMULATOR:-} "$program" "$@" >/dev/null
+  WINEPATH="$work/stage/bin" ${QELTA_EMULATOR:-} "$program" "$@" >/dev/null
+}
+
+# compile COMMAND MODULE SOURCE PROGRAM. What pkg-config prints is quoted for a shell.
+compile() {
+  eval "$1 $(pkg-config --cflags "$2") '$3' -o $4 -Wl,-rpath,'$libraries' $(pkg-config --libs "$2")"
 }
 
 by_hand() {
@@ -31,18 +37,13 @@ by_hand() {
   PKG_CONFIG_PATH=$(dirname "$(find "$work/stage.moved" -name qelta-file.pc)")
   export PKG_CONFIG_PATH
   libraries=$(pkg-config --variable=libdir qelta-db-connector)
-  # What pkg-config prints are words of a command.
-  # shellcheck disable=SC2046
-  "$compiler" -std=c++17 $(pkg-config --cflags qelta-db-connector) "$here/consumer/main.cpp" \
-    -o consumer -Wl,-rpath,"$libraries" $(pkg-config --libs qelta-db-connector)
-  "$compiler" -std=c++17 $(pkg-config --cflags qelta-file) "$here/consumer/file.cpp" \
-    -o file_consumer -Wl,-rpath,"$libraries" $(pkg-config --libs qelta-file)
+  compile "$compiler -std=c++17" qelta-db-connector "$here/consumer/main.cpp" consumer
+  compile "$compiler -std=c++17" qelta-file "$here/consumer/file.cpp" file_consumer
   case $with in *Fortran*)
-    cc $(pkg-config --cflags qelta-fortran) "$tree/tests/entry_points/phases.c" \
-      -o c_consumer -Wl,-rpath,"$libraries" $(pkg-config --libs qelta-fortran)
-    gfortran -I"$(pkg-config --variable=fmoddir qelta-fortran)" \
-      "$tree/examples/fortran/first_steps.f90" \
-      -o fortran_consumer -Wl,-rpath,"$libraries" $(pkg-config --libs qelta-fortran)
+    compile cc qelta-fortran "$tree/tests/entry_points/phases.c" c_consumer
+    modules=$(pkg-config --variable=fmoddir qelta-fortran)
+    compile "gfortran -I'$modules'" qelta-fortran "$tree/examples/fortran/first_steps.f90" \
+      fortran_consumer
     ;;
   esac
   for program in ./*consumer; do "$program" >/dev/null; done
@@ -53,6 +54,12 @@ mkdir "$work/by-hand"
 [ -n "${QELTA_TOOLCHAIN:-}" ] || (cd "$work/by-hand" && by_hand)
 
 cd "$work/consumer"
-for program in ./consumer ./file_consumer ./c_consumer ./fortran_consumer; do run "$program"; done
+run ./consumer
+run ./file_consumer
 run ./import_consumer "$results"
-run "$work/stage/bin/qelta" info "$results"
+case $with in *Fortran*)
+  run ./c_consumer
+  run ./fortran_consumer
+  ;;
+esac
+[ ! -e "$work/stage/bin/qelta$suffix" ] || run "$work/stage/bin/qelta" info "$results"

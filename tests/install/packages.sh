@@ -27,7 +27,7 @@ cp "$tree"/tests/install/consumer/*.cpp "$tree/tests/entry_points/phases.c" \
 
 echo "the tool alone"
 inside apt-get update -qq
-inside sh -c 'apt-get install -y -qq --no-install-recommends /packages/libqelta*.1_*.deb \
+inside sh -c 'apt-get install -y -qq --no-install-recommends /packages/libqeltadbconnector[0-9]*.deb \
   /packages/qelta_*.deb' >"$packages/install.log" 2>&1 ||
   { tail -n 20 "$packages/install.log" >&2; exit 1; }
 inside sh -c 'cd /work && qelta import cantilever.frd run.db && qelta verify run.db &&

@@ -70,9 +70,9 @@ void DiscardChanges(std::unique_ptr<FED_Database> database) {
 // remove open files, there is a moment in between.
 void DiscardDatabase(std::unique_ptr<FED_Database> database, const std::string& name) {
   std::error_code error;
-  std::filesystem::remove_all(name, error);
+  std::filesystem::remove_all(std::filesystem::u8path(name), error);
   DiscardChanges(std::move(database));
-  if (error) std::filesystem::remove_all(name, error);
+  if (error) std::filesystem::remove_all(std::filesystem::u8path(name), error);
 }
 
 DatabaseReport VerifyDatabase(const std::string& name, const DatabaseProgress& progress) {

@@ -20,7 +20,8 @@ constexpr std::size_t kLongestFileName = 200;
 // "tables/" is a folder whether it is there or not.
 bool IsFolder(const std::string& name) {
   std::error_code error;
-  return name.back() == '/' || std::filesystem::is_directory(std::filesystem::u8path(name), error);
+  const auto path = std::filesystem::u8path(name);
+  return !path.has_filename() || std::filesystem::is_directory(path, error);
 }
 
 std::string FileNameOf(const FED_DataDescriptor& key) {

@@ -14,7 +14,7 @@ namespace {
 
 bool Exists(const std::string& name) {
   std::error_code error;
-  return std::filesystem::exists(name, error);
+  return std::filesystem::exists(std::filesystem::u8path(name), error);
 }
 
 std::unique_ptr<FED_Database> Open(const std::string& name, bool isDryRun,
@@ -36,7 +36,10 @@ TargetDatabase::TargetDatabase(std::string name, bool isDryRun, std::uint64_t ca
     : m_Name(std::move(name)),
       m_IsDryRun(isDryRun),
       m_IsNew(!Exists(m_Name)),
-      m_Database(Open(m_Name, isDryRun, cacheBytes)) {}
+      m_Database(Open(m_Name, isDryRun, cacheBytes)) {
+  // Somebody may have been faster.
+  m_IsNew = m_IsNew && m_Database->FindBlocks({}).empty();
+}
 
 TargetDatabase::~TargetDatabase() {
   if (m_IsSaved || m_IsDryRun) return;
@@ -67,7 +70,7 @@ void RequireTarget(const std::string& name, bool isNew) {
 }
 
 void ThrowIfRefused(const FED_Exception& failure, const std::string& target) {
-  const std::string path = target.substr(0, target.find_last_not_of('/') + 1);
+  const std::string path = target.substr(0, target.find_last_not_of("/\\") + 1);
   const bool isItsOwn = failure.GetMessageText().find(path) != std::string::npos;
   if (isItsOwn && IsRefusal(failure)) throw TargetFailure(failure.what());
 }
