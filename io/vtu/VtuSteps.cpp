@@ -33,6 +33,22 @@ bool DependsOnStep(const FED_Database& database, const Key& key) {
   return !FindSteps(database, {key}).steps.empty();
 }
 
+// What moves nodes: no layers, no parts of complex values.
+std::vector<Key> FindMovements(const FED_Database& database) {
+  std::vector<Key> movements;
+  for (const FED_OnfId kind : {ONF_MODE_SHAPE, ONF_DISPLACEMENT}) {
+    FED_DataDescriptorPattern pattern;
+    pattern.SetMatchExact(Key::ONF, kind);
+    for (const Key::ResultIndex field :
+         {Key::LAYER, Key::SUB_LEVEL, Key::DIRECTION, Key::MICROPHONE, Key::OBJECTIVE_ID}) {
+      pattern.SetMatchIfPresent(field, false);
+    }
+    const std::vector<Key> found = database.FindBlocks(pattern);
+    movements.insert(movements.end(), found.begin(), found.end());
+  }
+  return movements;
+}
+
 std::string LabelOf(const QeltaMesh& mesh) {
   return mesh.GetKey().Has(Key::LABEL) ? mesh.GetKey().GetString(Key::LABEL) : "";
 }
@@ -40,7 +56,7 @@ std::string LabelOf(const QeltaMesh& mesh) {
 }  // namespace
 
 VtuSteps::VtuSteps(const FED_Database& database, const std::vector<Key>& keys)
-    : m_Database(database), m_Meshes(database) {
+    : m_Database(database), m_Meshes(database), m_Movements(FindMovements(database)) {
   SortOut(keys);
   FindStepsAndConstants();
   for (std::size_t i = 0; i < m_Steps.size(); ++i) AddParts(i);
@@ -159,29 +175,13 @@ const QeltaMesh* VtuSteps::MeshOfValues(const Key& key, const FED_DataBlock& blo
   return mesh;
 }
 
-// Among those of the step itself first: to look at all blocks for each step takes long.
+// What says most about the step first: keys that specify more come later.
 const FED_DataBlock* VtuSteps::FindDisplacement(const VtuPart& part) const {
   const Key& step = m_Steps[part.step].key;
-  for (const bool isOfStep : {true, false}) {
-    for (const FED_OnfId kind : {ONF_DISPLACEMENT, ONF_MODE_SHAPE}) {
-      FED_DataDescriptorPattern pattern(WithKind(step, kind));
-      pattern.SetMatchAll(Key::LABEL);
-      if (!isOfStep) {
-        pattern = FED_DataDescriptorPattern();
-        pattern.SetMatchExact(Key::ONF, kind);
-        for (const Key::ResultIndex field :
-             {Key::LAYER, Key::SUB_LEVEL, Key::DIRECTION, Key::MICROPHONE, Key::OBJECTIVE_ID}) {
-          pattern.SetMatchIfPresent(field, false);
-        }
-      }
-      for (const Key& key : m_Database.FindBlocks(pattern)) {
-        if (HoldsAt(key, step) && m_Meshes.Find(key) == part.mesh) {
-          return &m_Database.GetDataBlock(key);
-        }
-      }
-    }
-  }
-  return nullptr;
+  const auto found = std::find_if(m_Movements.rbegin(), m_Movements.rend(), [&](const Key& key) {
+    return HoldsAt(key, step) && m_Meshes.Find(key) == part.mesh;
+  });
+  return found == m_Movements.rend() ? nullptr : &m_Database.GetDataBlock(*found);
 }
 
 }  // namespace qelta

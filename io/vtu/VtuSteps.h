@@ -57,6 +57,7 @@ class VtuSteps {
 
   const FED_Database& m_Database;
   QeltaMeshes m_Meshes;
+  std::vector<FED_DataDescriptor> m_Movements;
   std::vector<VtuValues> m_Values;
   std::map<FED_DataDescriptor, VtuValues*> m_ValuesOfKey;
   std::vector<const QeltaMesh*> m_ChosenMeshes;
