@@ -94,6 +94,17 @@ function(qelta_add_module name)
   qelta_public_headers(${ARG_HEADERS})
 endfunction()
 
+# qelta_static_module(TARGET EXPORT_NAME COMPONENT): a static library is Qelta::<EXPORT_NAME>, finds its
+# headers in its folder and is installed with a component.
+function(qelta_static_module name export_name component)
+  set_target_properties(${name} PROPERTIES EXPORT_NAME ${export_name})
+  target_include_directories(${name}
+    PUBLIC $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}>
+           $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/QeltaDbConnector>)
+  add_library(Qelta::${export_name} ALIAS ${name})
+  qelta_install_with(${component} ${name})
+endfunction()
+
 # qelta_runner(VARIABLE TARGET [FILTER]) what a shell script calls to run a program, which may be one
 # of another system; FILTER is what it prints led through then.
 function(qelta_runner variable target)
